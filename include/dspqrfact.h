@@ -1,0 +1,6 @@
+// Chief header of the QR factorization: the work caches through which it computes, and the kernel itself.
+// A factorization A*E = Q*R by Householder transformations with column pivoting, double and single precision.
+#pragma once
+
+#include "dspqrfact_cache.h"
+#include "dspqrfact_kernel.h"
