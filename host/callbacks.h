@@ -16,6 +16,8 @@
 
 class CGIR_Block_IF;
 
+#pragma GCC visibility push(default)  // the entry points are exported whatever the library's default
+
 extern "C" {
 
 // ---- Set-up
@@ -47,3 +49,5 @@ void mdlVektCG(sysobj::SysObjAdaptorSFun* S, CGIR_Block_IF* blockInterface);
 void vobFunction(sysobj::SysObjAdaptorSFun* S);
 
 }  // extern "C"
+
+#pragma GCC visibility pop
