@@ -65,15 +65,51 @@ inline void makeHouseholderVector(const Cache& cache, T* x, std::int32_t num, T*
     cache.incOne(&x[0]);
 }
 
-/// y := y + t*x with t = -(x'y) / x[0]: the Householder transformation x applied to another column.
-template <typename Cache, typename T>
-inline void reflectColumn(const Cache& cache, const T* x, T* y, std::int32_t num)
+/// The operations on matrix elements and on vector elements under the names that a reflection uses.
+template <typename Cache>
+struct MatrixOps {
+    const Cache& cache;
+    template <typename T> void setZero(T* p) const { cache.setZero(p); }
+    template <typename T> T mulSub(T a, T b, T c) const { return cache.mulSub(a, b, c); }
+    template <typename T> T div(T a, T b) const { return cache.div(a, b); }
+    template <typename T> T mulAdd(T a, T b, T c) const { return cache.mulAdd(a, b, c); }
+};
+template <typename Cache>
+struct VectorOps {
+    const Cache& cache;
+    template <typename T> void setZero(T* p) const { cache.setZeroB(p); }
+    template <typename T> T mulSub(T a, T b, T c) const { return cache.mulSubB(a, b, c); }
+    template <typename T> T div(T a, T b) const { return cache.divB(a, b); }
+    template <typename T> T mulAdd(T a, T b, T c) const { return cache.mulAddB(a, b, c); }
+};
+
+/// y := y + t*x with t = -(x'y) / x[0], for BLOCK columns y that lie ld elements apart: a Householder transformation.
+template <std::int32_t BLOCK, typename Ops, typename T>
+inline void reflectBlock(const Ops& ops, const T* x, std::int32_t num, T* y, std::int32_t ld)
 {
-    T t;
-    cache.setZero(&t);
-    for (std::int32_t i = 0; i < num; ++i) t = cache.mulSub(t, x[i], y[i]);
-    t = cache.div(t, x[0]);
-    for (std::int32_t i = 0; i < num; ++i) y[i] = cache.mulAdd(y[i], t, x[i]);
+    T t[BLOCK];
+    for (std::int32_t j = 0; j < BLOCK; ++j) ops.setZero(&t[j]);
+    for (std::int32_t i = 0; i < num; ++i) {
+        for (std::int32_t j = 0; j < BLOCK; ++j) t[j] = ops.mulSub(t[j], x[i], y[i + j * ld]);
+    }
+    for (std::int32_t j = 0; j < BLOCK; ++j) t[j] = ops.div(t[j], x[0]);
+    for (std::int32_t i = 0; i < num; ++i) {
+        for (std::int32_t j = 0; j < BLOCK; ++j) y[i + j * ld] = ops.mulAdd(y[i + j * ld], t[j], x[i]);
+    }
+}
+
+/// reflectBlock for colNum columns, four at a time: within a column a sum waits for its predecessor, between columns
+/// nothing waits. The order of operations within a column is the same.
+template <typename Ops, typename T>
+inline void reflectColumns(const Ops& ops, const T* x, std::int32_t num, T* y, std::int32_t ld, std::int32_t colNum)
+{
+    std::int32_t j = 0;
+    for (; j + 4 <= colNum; j += 4) reflectBlock<4>(ops, x, num, y + j * ld, ld);
+    if (j + 2 <= colNum) {
+        reflectBlock<2>(ops, x, num, y + j * ld, ld);
+        j += 2;
+    }
+    if (j < colNum) reflectBlock<1>(ops, x, num, y + j * ld, ld);
 }
 
 /// Norm of a column without its first element y[0], from the norm with it; computed afresh from the other num - 1
@@ -139,10 +175,9 @@ inline void qrdc(const Cache& cache, Rows m, Cols n, T* A, T* qraux, std::int32_
         T nrmxl = qrdetail::runningNorm(cache, x, m - l);
         if (cache.absTest(nrmxl) == T(0)) continue;
         qrdetail::makeHouseholderVector(cache, x, m - l, &nrmxl);
+        qrdetail::reflectColumns(qrdetail::MatrixOps<Cache>{cache}, x, m - l, x + m, m, n - l - 1);
         for (std::int32_t j = l + 1; j < n; ++j) {
-            T* const y = A + l + j * m;                  // A(l:m-1, j)
-            qrdetail::reflectColumn(cache, x, y, m - l);
-            qrdetail::downdateNorm(cache, y, m - l, &qraux[j], &work[j]);
+            qrdetail::downdateNorm(cache, A + l + j * m, m - l, &qraux[j], &work[j]);
         }
         qraux[l] = *x;
         cache.setRe(x, -cache.re(nrmxl));
@@ -150,16 +185,16 @@ inline void qrdc(const Cache& cache, Rows m, Cols n, T* A, T* qraux, std::int32_
     }
 }
 
-/// y := Q*y, Q being the product of the first min(k, m - 1) transformations that qrdc left in A and qraux.
+/// Y := Q*Y, Q being the product of the first min(k, m - 1) transformations that qrdc left in A and qraux.
 ///
 /// Method: the part of LINPACK's xQRSL that computes Q*y.
 ///
 /// @param m, k   rows and columns of A
 /// @param A      in, m x k column by column; its diagonal is changed and restored
 /// @param qraux  in, k values
-/// @param y      in/out, m values
+/// @param y      in/out, m x yNum column by column; no column depends on another
 template <typename Cache, typename T, typename Rows, typename Cols>
-inline void qrCompQy(const Cache& cache, Rows m, Cols k, T* A, const T* qraux, T* y)
+inline void qrCompQy(const Cache& cache, Rows m, Cols k, T* A, const T* qraux, T* y, std::int32_t yNum = 1)
 {
     const std::int32_t ju = std::min<std::int32_t>(k, m - 1);
     for (std::int32_t j = ju - 1; j >= 0; --j) {
@@ -167,11 +202,7 @@ inline void qrCompQy(const Cache& cache, Rows m, Cols k, T* A, const T* qraux, T
         T* const x = A + j + j * m;                      // A(j:m-1, j)
         const T temp = x[0];
         x[0] = qraux[j];
-        T t;
-        cache.setZeroB(&t);
-        for (std::int32_t i = 0; i < m - j; ++i) t = cache.mulSubB(t, x[i], y[j + i]);
-        t = cache.divB(t, x[0]);
-        for (std::int32_t i = 0; i < m - j; ++i) y[j + i] = cache.mulAddB(y[j + i], t, x[i]);
+        qrdetail::reflectColumns(qrdetail::VectorOps<Cache>{cache}, x, m - j, y + j, m, yNum);
         x[0] = temp;
     }
 }
@@ -200,7 +231,7 @@ inline void qrFactor(const Cache& cache, Rows m, Cols n, T* Q, T* A, T* E, T* qr
     const std::int32_t q = economy ? std::min<std::int32_t>(m, n) : std::int32_t(m);
     for (std::int32_t i = 0; i < m * q; ++i) cache.setZero(&Q[i]);
     for (std::int32_t j = 0; j < q; ++j) cache.setOne(&Q[j * (m + 1)]);
-    for (std::int32_t j = 0; j < q; ++j) qrCompQy(cache, m, n, A, qraux, Q + j * m);
+    qrCompQy(cache, m, n, A, qraux, Q, q);
 
     if (economy && m > n) {                              // R := upper triangle of A
         for (std::int32_t j = 0; j < n; ++j) {

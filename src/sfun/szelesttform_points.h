@@ -68,6 +68,22 @@ inline void normPts(const Ti* points, const PointLayout& layout, const std::uint
     for (std::int32_t i = 0; i < 2 * n; ++i) out[i] *= *scale;
 }
 
+/// What an entry of a constraint row is for every pair.
+enum class ConstraintEntry : std::uint8_t { ZERO, ONE, MINUS_ONE, VALUE };
+
+/// Entries of rows 2i and 2i + 1 of the constraint matrix, by [sampleSize - 2][row][column].
+struct ConstraintEntries {
+    static constexpr ConstraintEntry Z = ConstraintEntry::ZERO;
+    static constexpr ConstraintEntry P = ConstraintEntry::ONE;
+    static constexpr ConstraintEntry M = ConstraintEntry::MINUS_ONE;
+    static constexpr ConstraintEntry V = ConstraintEntry::VALUE;
+    static constexpr ConstraintEntry TABLE[3][2][9] = {
+        {{V, V, Z, M, V}, {V, V, P, Z, V}},
+        {{Z, Z, Z, V, V, M, V}, {V, V, P, Z, Z, Z, V}},
+        {{Z, Z, Z, V, V, M, V, V, V}, {V, V, P, Z, Z, Z, V, V, V}},
+    };
+};
+
 /// Rows of the homogeneous system A*h = 0 that n point pairs put on a compact transformation h: two rows a pair.
 ///
 /// @tparam Tp, Tc      element type of the points; computation type

@@ -7,11 +7,47 @@
 #include <utility>
 
 #include "szelesttform_convert.h"
+#include "szelesttform_points.h"
+
+/// s + row[COL] * h[COL]. With IS_FINITE all values of h are finite, and an entry that is 0, 1 or -1 for every pair
+/// needs no product: the sum has the same value.
+template <std::int32_t COL_NUM, int ROW, std::int32_t COL, bool IS_FINITE, typename Tc>
+inline Tc addProduct(Tc s, const Tc* row, const Tc* h)
+{
+    constexpr ConstraintEntry ENTRY =
+        IS_FINITE ? ConstraintEntries::TABLE[(COL_NUM - 5) / 2][ROW][COL] : ConstraintEntry::VALUE;
+    if constexpr (ENTRY == ConstraintEntry::ZERO) return s;
+    if constexpr (ENTRY == ConstraintEntry::ONE) return s + h[COL];
+    if constexpr (ENTRY == ConstraintEntry::MINUS_ONE) return s - h[COL];
+    return s + row[COL] * h[COL];
+}
+
+/// Product of row 2i (ROW = 0) or 2i + 1 (ROW = 1) with h, columns ascending.
+template <std::int32_t COL_NUM, int ROW, bool IS_FINITE, typename Tc, std::int32_t... COLS>
+inline Tc multiplyRow(const Tc* row, const Tc* h, std::integer_sequence<std::int32_t, COLS...>)
+{
+    Tc s = Tc(0);
+    ((s = addProduct<COL_NUM, ROW, COLS, IS_FINITE>(s, row, h)), ...);
+    return s;
+}
+
+template <std::int32_t COL_NUM, bool IS_FINITE, typename Tc>
+inline void computeDistancesTo(const Tc* constraint, std::int32_t ptsNum, const Tc* h, Tc* distance)
+{
+    constexpr std::make_integer_sequence<std::int32_t, COL_NUM> COLS;
+    for (std::int32_t i = 0; i < ptsNum; ++i) {
+        const Tc* const row = constraint + 2 * i * COL_NUM;
+        const Tc s0 = multiplyRow<COL_NUM, 0, IS_FINITE>(row, h, COLS);
+        const Tc s1 = multiplyRow<COL_NUM, 1, IS_FINITE>(row + COL_NUM, h, COLS);
+        distance[i] = s0 * s0 + s1 * s1;
+    }
+}
 
 /// Squared algebraic distance of every point pair to one candidate transformation.
 ///
 /// @tparam COL_NUM      5, 7 or 9 (similarity, affine, projective)
-/// @param constraint    in, 2*ptsNum x COL_NUM, ROW-major; rows 2i and 2i + 1 belong to pair i
+/// @param constraint    in, 2*ptsNum x COL_NUM, ROW-major, as makeConstraintMatrix writes it; rows 2i and 2i + 1 belong
+///                      to pair i
 /// @param ptsNum        number of pairs
 /// @param tformCompact  in, COL_NUM values, the last one 1
 /// @param distance      out, ptsNum values; similarity, affine: squared point units; projective: the same times the
@@ -19,19 +55,14 @@
 ///
 /// A NaN in a row makes that pair's distance NaN. Columns ascending; the square of row 2i is added first.
 template <std::int32_t COL_NUM, typename Tc>
-void computeDistances(const Tc* constraint, std::int32_t ptsNum, const Tc* tformCompact, Tc* distance)
+inline void computeDistances(const Tc* constraint, std::int32_t ptsNum, const Tc* tformCompact, Tc* distance)
 {
-    Tc h[COL_NUM];
-    for (std::int32_t k = 0; k < COL_NUM; ++k) h[k] = tformCompact[k];
-    for (std::int32_t i = 0; i < ptsNum; ++i) {
-        const Tc* const row = constraint + 2 * i * COL_NUM;
-        Tc s0 = Tc(0);
-        Tc s1 = Tc(0);
-        for (std::int32_t k = 0; k < COL_NUM; ++k) {
-            s0 += row[k] * h[k];
-            s1 += row[COL_NUM + k] * h[k];
-        }
-        distance[i] = s0 * s0 + s1 * s1;
+    Tc h[COL_NUM];                                       // a copy that distance cannot alias
+    std::copy(tformCompact, tformCompact + COL_NUM, h);
+    if (std::all_of(h, h + COL_NUM, [](Tc value) { return std::isfinite(value); })) {
+        computeDistancesTo<COL_NUM, true>(constraint, ptsNum, h, distance);
+    } else {
+        computeDistancesTo<COL_NUM, false>(constraint, ptsNum, h, distance);
     }
 }
 
