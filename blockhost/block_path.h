@@ -1,0 +1,14 @@
+// Where the estimator finds its block when nobody says.
+#pragma once
+
+#include <string>
+
+namespace blockhost {
+
+/// The path that was asked for; else the environment variable ESTTFORM_BLOCK; else szelesttform.so in the folder of this
+/// library or in esttform/ below it.
+///
+/// @throws Error (Load) if neither file is there; the text names the folder
+std::string findBlock(const std::string& requestedPath);
+
+}  // namespace blockhost

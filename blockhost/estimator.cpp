@@ -1,0 +1,250 @@
+#include "estimator.h"
+
+#include "block.h"
+#include "block_instance.h"
+#include "block_path.h"
+#include "data_types.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace esttform {
+
+namespace {
+
+using blockhost::Block;
+using blockhost::BlockSetup;
+using blockhost::Dims;
+using blockhost::Signal;
+
+constexpr int PTS1_PORT = 0;
+constexpr int PTS2_PORT = 1;
+constexpr int TFORM_PORT = 0;
+constexpr int INLIER_PORT = 1;
+constexpr int ROWS_PARAM = 17;
+
+/// The longest work vector has 2 * points * 9 elements, and its width is a 32-bit number.
+constexpr std::int32_t MAX_PTS_NUM = std::numeric_limits<std::int32_t>::max() / 18;
+
+/// Reads a flag as the block does: truncated, of the 64-bit integer the low 8 bits.
+bool isFlagSet(double value) noexcept
+{
+    return (static_cast<std::uint64_t>(blockhost::toInteger<std::int64_t>(value)) & 0xFFU) != 0;
+}
+
+Layout layoutOf(const Params& params) noexcept
+{
+    return isFlagSet(params[ROWS_PARAM]) ? Layout::Rows : Layout::Columns;
+}
+
+Dims sizeOfPoints(Layout layout, std::int32_t ptsNum) noexcept
+{
+    return layout == Layout::Rows ? Dims{ptsNum, 2} : Dims{2, ptsNum};
+}
+
+void checkOptions(DataType pointsType, std::int32_t maxPtsNum, const Options& options)
+{
+    const int typeId = static_cast<int>(pointsType);
+    if (typeId < 0 || typeId > static_cast<int>(DataType::Uint32))
+        throw Error(ErrorKind::Usage, fmt::format("pointsType: got data type {}, expected an id from 0 to 7", typeId));
+    if (maxPtsNum < 0 || maxPtsNum > MAX_PTS_NUM)
+        throw Error(ErrorKind::Usage,
+                    fmt::format("maxPtsNum: got {} point pairs, expected 0 to {}", maxPtsNum, MAX_PTS_NUM));
+    if ((options.pts1 == nullptr) != (options.pts2 == nullptr))
+        throw Error(ErrorKind::Usage, "pts1 and pts2: got one array, expected both or none");
+}
+
+BlockSetup setupOf(const Params& params, DataType pointsType, std::int32_t maxPtsNum, const Options& options)
+{
+    checkOptions(pointsType, maxPtsNum, options);
+    BlockSetup setup;
+    setup.libraryPath = blockhost::findBlock(options.blockPath);
+    setup.params.assign(params.begin(), params.end());
+    for (const ParamInfo& info : paramTable())
+        setup.paramLabels.push_back({info.name, info.tunable});
+    Signal points;
+    points.dims = sizeOfPoints(layoutOf(params), maxPtsNum);
+    points.typeId = static_cast<int>(pointsType);
+    points.mode = options.isVariableSize ? sysobj::DIMS_MODE_VARIABLE : sysobj::DIMS_MODE_FIXED;
+    setup.inputs = {points, points};
+    setup.inputs[PTS1_PORT].data = options.pts1;
+    setup.inputs[PTS2_PORT].data = options.pts2;
+    setup.trace = options.trace;
+    return setup;
+}
+
+}  // namespace
+
+std::size_t sizeOf(DataType type) noexcept
+{
+    return blockhost::byteNumOf(static_cast<int>(type));
+}
+
+// ---- StepResult
+
+double StepResult::tform(int row, int col) const noexcept
+{
+    const auto idx = static_cast<std::size_t>(row + col * tformRows);
+    if (tformType == DataType::Single)
+        return static_cast<double>(static_cast<const float*>(tformData)[idx]);
+    return static_cast<const double*>(tformData)[idx];
+}
+
+bool StepResult::isFound() const noexcept
+{
+    for (int col = 0; col < tformCols; ++col)
+        for (int row = 0; row < tformRows; ++row)
+            if (tform(row, col) != 0.0)
+                return true;
+    return false;
+}
+
+// ---- Estimator
+
+struct Estimator::Impl {
+    Params params;
+    DataType pointsType;
+    std::int32_t maxPtsNum;
+    Layout layout;
+    const void* boundPts1;
+    const void* boundPts2;
+    bool isVariableSize;
+    Block block;
+    bool hasInliers = false;
+    StepResult result;
+
+    Impl(const Params& dialogValues, DataType type, std::int32_t ptsNum, const Options& options)
+        : params(dialogValues), pointsType(type), maxPtsNum(ptsNum), layout(layoutOf(dialogValues)),
+          boundPts1(options.pts1), boundPts2(options.pts2), isVariableSize(options.isVariableSize),
+          block(setupOf(dialogValues, type, ptsNum, options))
+    {
+        block.open();
+        if (options.seed)
+            std::srand(*options.seed);
+        const sysobj::SysObjAdaptorSFun& instance = block.instance();
+        const blockhost::Port& tform = instance.outputs.at(TFORM_PORT);
+        hasInliers = instance.outputs.size() > INLIER_PORT;
+        result.tformType = static_cast<DataType>(tform.typeId);
+        result.tformRows = tform.dims.size(0);
+        result.tformCols = tform.dims.size(1);
+        result.tformData = block.outputData(TFORM_PORT);
+        result.inliers = hasInliers ? static_cast<const std::uint8_t*>(block.outputData(INLIER_PORT)) : nullptr;
+    }
+
+    void checkPtsNum(std::int32_t ptsNum) const
+    {
+        if (ptsNum < 0 || ptsNum > maxPtsNum || (!isVariableSize && ptsNum != maxPtsNum))
+            throw Error(ErrorKind::Usage, fmt::format("step: got {} point pairs, expected {}{}", ptsNum,
+                                                      isVariableSize ? "0 to " : "exactly ", maxPtsNum));
+    }
+
+    const StepResult& step(std::int32_t ptsNum)
+    {
+        checkPtsNum(ptsNum);
+        if (isVariableSize)
+            for (const int port : {PTS1_PORT, PTS2_PORT})
+                block.setInputSize(port, sizeOfPoints(layout, ptsNum));
+        if (!block.step())
+            throw Error(ErrorKind::Usage, "step: the block has failed before; open another estimator");
+
+        result.ptsNum = ptsNum;
+        result.error = block.stepError();
+        result.warnings.clear();
+        if (block.hasWarnings())
+            result.warnings = block.takeWarnings();
+        if (result.error)
+            block.clearOutputs();
+        result.inlierNum = 0;
+        for (std::int32_t i = 0; hasInliers && i < ptsNum; ++i)
+            result.inlierNum += result.inliers[i] != 0 ? 1 : 0;
+        return result;
+    }
+
+    /// Copies the points of one input unless they are there already.
+    void takePoints(int port, const void* points, const void* bound, std::int32_t ptsNum)
+    {
+        void* const input = block.inputData(port);
+        if (ptsNum == 0 || (points != nullptr && (points == input || points == bound)))
+            return;
+        if (points == nullptr)
+            throw Error(ErrorKind::Usage, fmt::format("step: got no array for pts{}, expected {} point pairs", port + 1, ptsNum));
+        if (bound != nullptr)
+            throw Error(ErrorKind::Usage, "step: got other arrays than those named at opening, which the block reads in "
+                                          "place; write the points there");
+        std::memcpy(input, points, 2 * static_cast<std::size_t>(ptsNum) * sizeOf(pointsType));
+    }
+};
+
+Estimator::Estimator(const Settings& settings, std::int32_t maxPtsNum, const Options& options)
+    : Estimator(toParams(settings), settings.pointsType, maxPtsNum, options)
+{
+}
+
+Estimator::Estimator(const Params& params, DataType pointsType, std::int32_t maxPtsNum, const Options& options)
+    : mImpl(std::make_unique<Impl>(params, pointsType, maxPtsNum, options))
+{
+}
+
+Estimator::Estimator(Estimator&&) noexcept = default;
+Estimator& Estimator::operator=(Estimator&&) noexcept = default;
+Estimator::~Estimator() = default;
+
+const StepResult& Estimator::step(const void* pts1, const void* pts2, std::int32_t ptsNum)
+{
+    mImpl->checkPtsNum(ptsNum);
+    mImpl->takePoints(PTS1_PORT, pts1, mImpl->boundPts1, ptsNum);
+    mImpl->takePoints(PTS2_PORT, pts2, mImpl->boundPts2, ptsNum);
+    return mImpl->step(ptsNum);
+}
+
+const StepResult& Estimator::step(std::int32_t ptsNum)
+{
+    return mImpl->step(ptsNum);
+}
+
+void* Estimator::pts1Buffer() noexcept
+{
+    return mImpl->block.inputData(PTS1_PORT);
+}
+
+void* Estimator::pts2Buffer() noexcept
+{
+    return mImpl->block.inputData(PTS2_PORT);
+}
+
+void Estimator::setParam(int index, double value)
+{
+    if (!mImpl->block.setParam(index, value))
+        throw Error(ErrorKind::Usage, "setParam: the block has failed before; open another estimator");
+    mImpl->params[static_cast<std::size_t>(index)] = value;
+}
+
+void Estimator::seed(unsigned value) noexcept
+{
+    std::srand(value);
+}
+
+const Params& Estimator::params() const noexcept
+{
+    return mImpl->params;
+}
+
+DataType Estimator::pointsType() const noexcept
+{
+    return mImpl->pointsType;
+}
+
+std::int32_t Estimator::maxPtsNum() const noexcept
+{
+    return mImpl->maxPtsNum;
+}
+
+Layout Estimator::layout() const noexcept
+{
+    return mImpl->layout;
+}
+
+}  // namespace esttform
