@@ -1,0 +1,22 @@
+#include "block_run.h"
+
+#include <utility>
+
+namespace esttform::app {
+
+Estimator openEstimator(const BlockSetup& setup, const FrameSource& source, std::function<void(std::string_view)> trace)
+{
+    Options options = setup.options;
+    options.isVariableSize = source.isVariableSize();
+    options.trace = std::move(trace);
+    return Estimator(setup.params, setup.pointsType, source.maxPtsNum(), options);
+}
+
+const StepResult& runStep(Estimator& estimator, const MatchFrame& frame)
+{
+    packPoints(frame.pairs, 0, estimator.pointsType(), estimator.layout(), estimator.pts1Buffer());
+    packPoints(frame.pairs, 1, estimator.pointsType(), estimator.layout(), estimator.pts2Buffer());
+    return estimator.step(static_cast<std::int32_t>(frame.pairs.size()));
+}
+
+}  // namespace esttform::app

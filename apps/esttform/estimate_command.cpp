@@ -1,0 +1,183 @@
+#include "estimate_command.h"
+
+#include "block_run.h"
+#include "inlier_writer.h"
+#include "not_found.h"
+#include "number_text.h"
+#include "option_checks.h"
+#include "plot.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+namespace esttform::app {
+
+namespace {
+
+/// Prints warnings to standard error unless they are not wanted.
+class Warnings {
+public:
+    explicit Warnings(bool isQuiet) : mIsQuiet(isQuiet) {}
+
+    void print(const std::string& where, const std::string& text) const
+    {
+        if (!mIsQuiet)
+            fmt::print(stderr, "esttform: warning: {}: {}\n", where, text);
+    }
+
+private:
+    bool mIsQuiet;
+};
+
+/// The step that is drawn: the one asked for, or the first with a result, or the first.
+class PlotChoice {
+public:
+    explicit PlotChoice(std::optional<std::int64_t> wanted) : mWanted(wanted) {}
+
+    void offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout)
+    {
+        const bool isBetter = mWanted ? label.step == *mWanted : !mScene || (!mIsFound && result.isFound());
+        if (!isBetter)
+            return;
+        mIsFound = result.isFound();
+        mScene = PlotScene{};
+        mScene->pairs = frame.pairs;
+        if (result.inliers != nullptr)
+            mScene->inliers.assign(result.inliers, result.inliers + result.ptsNum);
+        if (mIsFound)
+            mScene->map = mapOf(result, layout);
+        mScene->step = label;
+    }
+
+    /// @throws Failure  the step asked for did not come
+    const PlotScene& scene(std::int64_t stepNum) const
+    {
+        if (!mScene)
+            throw Failure(fmt::format("--plot-step: got {}, expected a step from 0 to {}", mWanted.value_or(0), stepNum - 1));
+        return *mScene;
+    }
+
+private:
+    std::optional<std::int64_t> mWanted;
+    std::optional<PlotScene> mScene;
+    bool mIsFound = false;
+};
+
+Format formatOf(const std::string& name)
+{
+    return name == "json" ? Format::Json : name == "csv" ? Format::Csv : Format::Text;
+}
+
+void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
+{
+    if (!o.inliersPath.empty() && !setup.hasInlierOutput)
+        throw Failure("--inliers: the block has no inlier output with these settings; leave out --no-robust and "
+                      "--no-inlier-output");
+    if (o.plotStep && o.plotPath.empty())
+        throw Failure("--plot-step: no effect without --plot");
+    if (o.plotPath == "-")
+        throw Failure("--plot: got \"-\", expected a file");
+    const std::pair<const char*, const std::string&> outputs[] = {
+        {"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath}};
+    for (const auto& output : outputs)
+        for (const auto& earlier : outputs) {
+            if (&earlier == &output)
+                break;
+            if (!earlier.second.empty() && !output.second.empty() && isSameOutput(earlier.second, output.second))
+                throw Failure(fmt::format("{} and {}: both write to {}", earlier.first, output.first,
+                                          output.second == "-" ? "standard output" : output.second));
+        }
+}
+
+std::string whereOf(const StepLabel& label, const MatchReader& reader)
+{
+    return reader.hasFrames() ? fmt::format("{}: step {}", reader.name(), label.step) : reader.name();
+}
+
+}  // namespace
+
+void addEstimateOptions(CLI::App& command, EstimateOptions& o)
+{
+    addInputOptions(command, o.input);
+    addBlockOptions(command, o.block);
+    const char* const OUTPUT = "Output";
+    command.add_option("--format", o.format,
+                       "text; json: one object a step on one line; csv: one row a step (default text)")
+        ->check(oneOf({"text", "json", "csv"}))->type_name("FORMAT")->group(OUTPUT);
+    command.add_option("-o,--output", o.outputPath, "file of the results (default: standard output)")
+        ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--inliers", o.inliersPath, "CSV file of the input rows with a column inlier (0 or 1)")
+        ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--plot", o.plotPath, "picture of the matches; the name ends in .svg, .png or .pdf")
+        ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--plot-step", o.plotStep, "step that is drawn, from 0 (default: the first with a result)")
+        ->check(wholeBetween(0, std::numeric_limits<std::int64_t>::max()))->type_name("K")->group(OUTPUT);
+    command.add_flag("-q,--quiet", o.isQuiet, "no warnings on standard error; json and csv still name them")->group(OUTPUT);
+}
+
+ExitCode runEstimate(const EstimateOptions& o)
+{
+    const BlockSetup setup = resolveBlockOptions(o.block);
+    refuseWrongOutputs(o, setup);
+    const PlotFormat plotFormat = o.plotPath.empty() ? PlotFormat::Svg : plotFormatOf(o.plotPath);
+
+    ReaderOptions readerOptions;
+    readerOptions.pointsType = setup.pointsType;
+    readerOptions.columns = o.input.columns;
+    readerOptions.keepRows = !o.inliersPath.empty();
+    FrameSource source(o.input, readerOptions, setup.sampleSize(), setup.typeText());
+    const MatchReader& reader = source.reader();
+
+    Estimator estimator = openEstimator(setup, source);
+    const Layout layout = estimator.layout();
+    OutputFile output(o.outputPath);
+    std::unique_ptr<InlierWriter> inlierWriter;
+    if (!o.inliersPath.empty())
+        inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header());
+    std::unique_ptr<OutputFile> plotFile;
+    if (!o.plotPath.empty())
+        plotFile = std::make_unique<OutputFile>(o.plotPath);
+
+    const Warnings warnings(o.isQuiet);
+    ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
+    PlotChoice plotChoice(o.plotStep);
+    std::int64_t foundNum = 0;
+    StepLabel label;
+    for (; const MatchFrame* const frame = source.next(); ++label.step) {
+        label.frame = frame->number;
+        const StepResult& result = runStep(estimator, *frame);
+        writer.write(label, result);
+        if (o.input.maxPtsNum)
+            output.flush();
+        if (inlierWriter)
+            inlierWriter->write(*frame, result);
+        if (plotFile)
+            plotChoice.offer(label, *frame, result, layout);
+        for (const Message& warning : result.warnings)
+            warnings.print(whereOf(label, reader), fmt::format("{}: {}{}", warning.id, warning.text,
+                                                               warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
+        if (result.isFound())
+            ++foundNum;
+        else if (!result.error)
+            warnings.print(whereOf(label, reader), fmt::format("no {} transformation found: {}", setup.typeText(),
+                                                               reasonNotFound(*frame, setup)));
+    }
+    if (source.nonFiniteNum() > 0)
+        warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
+                                                  counted(source.pairNum(), "pair"),
+                                                  setup.isRobust ? "; they are never inliers" : ""));
+    if (plotFile)
+        plotFile->write(renderPlot(plotChoice.scene(label.step), reader.name(), setup.typeText(), plotFormat));
+
+    output.commit();
+    if (inlierWriter)
+        inlierWriter->commit();
+    if (plotFile)
+        plotFile->commit();
+    return foundNum > 0 ? ExitCode::Done : ExitCode::NothingFound;
+}
+
+}  // namespace esttform::app

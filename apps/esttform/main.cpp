@@ -1,0 +1,95 @@
+// The program esttform: subcommands, messages and exit codes.
+
+#include "estimate_command.h"
+#include "help_formatter.h"
+#include "output_file.h"
+#include "params_command.h"
+#include "trace_command.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <new>
+#include <sstream>
+
+namespace {
+
+using namespace esttform::app;
+
+ExitCode codeOf(esttform::ErrorKind kind) noexcept
+{
+    switch (kind) {
+    case esttform::ErrorKind::Usage: return ExitCode::BadInput;
+    case esttform::ErrorKind::Load: return ExitCode::NoBlock;
+    case esttform::ErrorKind::Internal: break;
+    }
+    return ExitCode::OurFault;
+}
+
+int fail(ExitCode code, const std::string& text)
+{
+    fmt::print(stderr, "esttform: error: {}\n", text);
+    return static_cast<int>(code);
+}
+
+ExitCode printOut(const std::string& text)
+{
+    OutputFile output("-");
+    output.write(text);
+    output.commit();
+    return ExitCode::Done;
+}
+
+ExitCode run(int argc, char** argv)
+{
+    CLI::App app("Estimates 2-D transformations robustly from matched points.", "esttform");
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
+    app.require_subcommand(1);
+    app.footer("Exit codes: 0 done, 1 no transformation found, 2 wrong usage or input, 3 block could not be loaded,\n"
+               "4 fault of the program. 'esttform COMMAND --help' tells more.");
+
+    EstimateOptions estimateOptions;
+    CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
+    addEstimateOptions(estimate, estimateOptions);
+    const CLI::App& params = *app.add_subcommand("params", "list the block's parameters");
+    TraceOptions traceOptions;
+    CLI::App& trace = *app.add_subcommand("trace", "show the calls between host and block");
+    addTraceOptions(trace, traceOptions);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        if (e.get_exit_code() != 0)
+            throw Failure(fmt::format("{}; see esttform --help", e.what()));
+        std::ostringstream text;
+        app.exit(e, text, text);
+        return printOut(text.str());
+    }
+    if (params.parsed())
+        return printOut(paramsText());
+    return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);                       // a write then fails, and what is half-written is removed
+    try {
+        return static_cast<int>(run(argc, argv));
+    } catch (const ClosedPipe& e) {
+        return static_cast<int>(e.code());
+    } catch (const Failure& e) {
+        return fail(e.code(), e.what());
+    } catch (const esttform::Error& e) {
+        return fail(codeOf(e.kind()), e.what());
+    } catch (const std::bad_alloc&) {
+        return fail(ExitCode::OurFault, "out of memory");
+    } catch (const std::exception& e) {
+        return fail(ExitCode::OurFault, e.what());
+    }
+}

@@ -1,0 +1,21 @@
+// Checks of option values, with messages in the words of the project: what was found, what was expected.
+// An option that fails reports "--option: got 140, expected a number from 0 to 100 (percent)".
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace esttform::app {
+
+/// Admits a real number from `lowest` to `highest`; NaN fails. `unit` stands in the message, empty for none.
+CLI::Validator realBetween(double lowest, double highest, const std::string& unit);
+
+/// Admits a whole number from `lowest` to `highest`, written in digits.
+CLI::Validator wholeBetween(std::int64_t lowest, std::int64_t highest);
+
+/// Admits the words given.
+CLI::Validator oneOf(const std::vector<std::string>& words);
+
+}  // namespace esttform::app

@@ -1,0 +1,128 @@
+#include "output_file.h"
+
+#include "failure.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+namespace esttform::app {
+
+namespace {
+
+constexpr std::size_t BUFFER_SIZE = 64 * 1024;
+constexpr mode_t NEW_FILE_MODE = 0666;
+
+std::filesystem::path resolved(const std::string& path)
+{
+    std::error_code fault;
+    const std::filesystem::path target = std::filesystem::weakly_canonical(path, fault);
+    return fault ? std::filesystem::path(path) : target;
+}
+
+mode_t currentUmask()
+{
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const std::string& path) : mPath(path)
+{
+    if (path == "-") {
+        mPath = "standard output";
+        mFile = STDOUT_FILENO;
+    } else {
+        openFile();
+    }
+}
+
+void OutputFile::openFile()
+{
+    mTarget = resolved(mPath).string();
+    struct stat status {};
+    const bool isThere = ::stat(mTarget.c_str(), &status) == 0;
+    if (isThere && S_ISDIR(status.st_mode))
+        fail("write", EISDIR);
+    if (isThere && !S_ISREG(status.st_mode)) {
+        mFile = ::open(mTarget.c_str(), O_WRONLY | O_CLOEXEC);
+    } else {
+        if (isThere && ::access(mTarget.c_str(), W_OK) != 0)
+            fail("write", errno);
+        const std::filesystem::path target(mTarget);
+        mTemporary = (target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string();
+        mFile = ::mkostemp(mTemporary.data(), O_CLOEXEC);
+        if (mFile < 0)
+            mTemporary.clear();
+        else
+            ::fchmod(mFile, isThere ? status.st_mode & 07777 : NEW_FILE_MODE & ~currentUmask());
+    }
+    if (mFile < 0)
+        fail("create", errno);
+}
+
+OutputFile::~OutputFile()
+{
+    if (!mTemporary.empty())
+        ::unlink(mTemporary.c_str());
+    if (mFile >= 0 && mFile != STDOUT_FILENO)
+        ::close(mFile);
+}
+
+void OutputFile::fail(const char* action, int errorCode) const
+{
+    if (mFile == STDOUT_FILENO && errorCode == EPIPE)
+        throw ClosedPipe();
+    throw Failure(fmt::format("{}: cannot {}: {}", mPath, action, std::strerror(errorCode)));
+}
+
+void OutputFile::write(std::string_view text)
+{
+    mBuffer += text;
+    if (mBuffer.size() >= BUFFER_SIZE)
+        flush();
+}
+
+void OutputFile::flush()
+{
+    std::size_t doneNum = 0;
+    while (doneNum < mBuffer.size()) {
+        const ssize_t written = ::write(mFile, mBuffer.data() + doneNum, mBuffer.size() - doneNum);
+        if (written < 0 && errno != EINTR)
+            fail("write", errno);
+        if (written > 0)
+            doneNum += static_cast<std::size_t>(written);
+    }
+    mBuffer.clear();
+}
+
+void OutputFile::commit()
+{
+    flush();
+    if (mTemporary.empty())
+        return;
+    if (::close(std::exchange(mFile, -1)) != 0)
+        fail("write", errno);
+    if (std::rename(mTemporary.c_str(), mTarget.c_str()) != 0)
+        fail("create", errno);
+    mTemporary.clear();
+}
+
+bool isSameOutput(const std::string& path1, const std::string& path2)
+{
+    if (path1 == "-" || path2 == "-")
+        return path1 == path2;
+    return resolved(path1) == resolved(path2);
+}
+
+}  // namespace esttform::app
