@@ -1,0 +1,79 @@
+#include "fake_setup.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+using blockhost::Block;
+using esttform::ErrorKind;
+
+namespace {
+
+std::string loadError(const std::string& path)
+{
+    return fake::errorOf([&] { Block block({path, {}, {}, {}, {}, {}, {}}); }, ErrorKind::Load);
+}
+
+std::string folderOf(const std::string& path)
+{
+    return path.substr(0, path.rfind('/'));
+}
+
+TEST(BlockLibraryTest, LoadErrorsCarryTheReason)
+{
+    EXPECT_EQ(loadError("/no/such/block.so"),
+              "/no/such/block.so: cannot load: cannot open shared object file: No such file or directory");
+    EXPECT_EQ(loadError(FAKE_WITHOUT_START), std::string(FAKE_WITHOUT_START) + ": cannot load: callback mdlStart is missing");
+    // Immediate binding: found at load and not at the first call.
+    EXPECT_EQ(loadError(FAKE_UNDEFINED_SYMBOL),
+              std::string(FAKE_UNDEFINED_SYMBOL) + ": cannot load: undefined symbol: bhNoHostHasThis");
+    EXPECT_EQ(loadError(""), "block: cannot load: no path was given");
+}
+
+TEST(BlockLibraryTest, NameWithoutSlashIsAFileOfTheCurrentFolder)
+{
+    // A C library is on every search path; here it must not be found.
+    EXPECT_EQ(loadError("libm.so.6"),
+              "./libm.so.6: cannot load: cannot open shared object file: No such file or directory");
+    ASSERT_EQ(chdir(folderOf(FAKE_BLOCK).c_str()), 0);
+    EXPECT_NO_THROW(Block({"fake_block.so", {}, {}, {}, {}, {}, {}}));
+}
+
+TEST(BlockLibraryTest, LastInstanceUnloadsTheLibrary)
+{
+    const auto isLoaded = [] {
+        void* const handle = dlopen(FAKE_BLOCK, RTLD_NOW | RTLD_NOLOAD);
+        if (handle != nullptr)
+            dlclose(handle);
+        return handle != nullptr;
+    };
+    auto first = std::make_unique<Block>(fake::setupOf(fake::NONE));
+    auto second = std::make_unique<Block>(fake::setupOf(fake::NONE));
+    first->open();
+    first.reset();
+    EXPECT_TRUE(isLoaded());
+    second.reset();
+    EXPECT_FALSE(isLoaded());
+}
+
+TEST(BlockLibraryTest, SymbolsOfABlockStayLocal)
+{
+    const Block block(fake::setupOf(fake::NONE));
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "mdlInitializeSizes"), nullptr);
+}
+
+TEST(BlockPathTest, EnvironmentVariableNamesTheBlockUnlessAPathIsGiven)
+{
+    ASSERT_EQ(setenv("ESTTFORM_BLOCK", "/from/environment.so", 1), 0);
+    const auto open = [](const std::string& path) {
+        esttform::Options options;
+        options.blockPath = path;
+        return fake::errorOf([&] { esttform::Estimator estimator(esttform::Settings{}, 10, options); }, ErrorKind::Load);
+    };
+    EXPECT_EQ(open("").substr(0, 21), "/from/environment.so:");
+    EXPECT_EQ(open("/from/options.so").substr(0, 17), "/from/options.so:");
+    unsetenv("ESTTFORM_BLOCK");
+}
+
+}  // namespace
