@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs every test: with GCC, under the sanitizers, under valgrind, with Clang.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+tools/install-packages.sh test
+jobs=$(nproc)
+
+# Everything, warnings as errors.
+cmake --preset ci
+cmake --build --preset ci -- --quiet
+ctest --preset ci -j "$jobs"
+
+# Every access and allocation of the replayed kernels, fits and steps.
+valgrind --quiet --error-exitcode=1 --leak-check=full build/ci/bin/vectors_test
+
+# The same tests under AddressSanitizer and UndefinedBehaviorSanitizer.
+cmake --preset asan
+cmake --build --preset asan -- --quiet
+ctest --preset asan -j "$jobs"
+
+# The other compiler: the same results to the bit.
+cmake --preset clang
+cmake --build --preset clang --target vectors_test real_matches_test -- --quiet
+build/clang/bin/vectors_test
+build/clang/bin/real_matches_test

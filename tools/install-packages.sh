@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing for a purpose; asks for sudo only when not root.
+# Usage: tools/install-packages.sh build|test
+set -euo pipefail
+
+packages=(g++ cmake ninja-build pkg-config
+          libcli11-dev libfmt-dev nlohmann-json3-dev libcsv-dev libcairo2-dev)
+case "${1:-}" in
+    build) ;;
+    test) packages+=(binutils libgtest-dev libeigen3-dev clang valgrind) ;;
+    *) echo "usage: $0 build|test" >&2; exit 2 ;;
+esac
+
+missing=()
+for package in "${packages[@]}"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+sudo=()
+[ "$(id -u)" -eq 0 ] || sudo=(sudo)
+"${sudo[@]}" apt-get update -q
+"${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
