@@ -33,11 +33,10 @@ nlohmann::ordered_json inliersJson(const StepResult& result)
 {
     if (result.inliers == nullptr)
         return nullptr;
-    auto indices = nlohmann::ordered_json::array();
+    auto mask = nlohmann::ordered_json::array();
     for (std::int32_t i = 0; i < result.ptsNum; ++i)
-        if (result.inliers[i] != 0)
-            indices.push_back(i);
-    return indices;
+        mask.push_back(result.inliers[i] != 0 ? 1 : 0);
+    return mask;
 }
 
 }  // namespace

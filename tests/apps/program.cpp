@@ -1,5 +1,7 @@
 #include "program.h"
 
+#include "leak_suppressions.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -68,6 +70,7 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const RunSettin
 {
     const TempFolder folder;
     const std::string inPath = folder.write("in", setting.input), outPath = folder.path("out"), errPath = folder.path("err");
+    const std::string leakOptions = "suppressions=" + folder.write("leaks", __lsan_default_suppressions());
     int pipeEnds[2] = {-1, -1};
     if (setting.isOutputClosed && pipe(pipeEnds) != 0)
         throw std::runtime_error("cannot open a pipe");
@@ -88,6 +91,7 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const RunSettin
         for (std::string& word : words)
             argv.push_back(word.data());
         argv.push_back(nullptr);
+        setenv("LSAN_OPTIONS", leakOptions.c_str(), 1);
         for (const std::string& variable : setting.environment)
             putenv(strdup(variable.c_str()));
         execv(ESTTFORM_PROGRAM, argv.data());

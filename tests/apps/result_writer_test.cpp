@@ -44,7 +44,7 @@ TEST(JsonTest, OneObjectOnOneLine)
     setUp(owned, {0.5, -0.0, 1e-7, 1.0, 3.0, 1e300}, {1, 0, 1});
     owned.result.warnings = {{"invalidRandomSamples", "text", 4}};
     EXPECT_EQ(toJsonLine({7, std::nullopt}, owned.result, false),
-              "{\"step\":7,\"ptsNum\":3,\"tform\":[[0.5,1e-07,3.0],[-0.0,1.0,1e+300]],\"inliers\":[0,2],\"inlierNum\":2,"
+              "{\"step\":7,\"ptsNum\":3,\"tform\":[[0.5,1e-07,3.0],[-0.0,1.0,1e+300]],\"inliers\":[1,0,1],\"inlierNum\":2,"
               "\"warnings\":[\"invalidRandomSamples\"],\"error\":null}\n");
 }
 

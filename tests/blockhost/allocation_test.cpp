@@ -1,52 +1,8 @@
 #include "fake_setup.h"
 
-#include <atomic>
-#include <cstddef>
-#include <cstdlib>
-#include <new>
+#include "allocation_counter.h"
 
-// Every operator new of the process is counted, the host's and the block's too. Not inlined, so that the compiler does not
-// take the pairs of malloc and delete for a mistake.
-
-namespace {
-
-std::atomic<long> newNum{0};
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t byteNum, std::align_val_t alignment, const std::nothrow_t&) noexcept
-{
-    ++newNum;
-    const auto step = static_cast<std::size_t>(alignment);
-    return std::aligned_alloc(step, (byteNum + step) / step * step);
-}
-
-[[gnu::noinline]] void* operator new(std::size_t byteNum, const std::nothrow_t& nothrow) noexcept
-{
-    return operator new(byteNum, std::align_val_t{alignof(std::max_align_t)}, nothrow);
-}
-
-[[gnu::noinline]] void* operator new(std::size_t byteNum)
-{
-    if (void* const memory = operator new(byteNum, std::nothrow))
-        return memory;
-    throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
+// Every operator new of the process is counted, the host's and the block's too.
 
 namespace {
 
@@ -54,13 +10,13 @@ namespace {
 long allocationsOf(blockhost::Block& block)
 {
     block.step();
-    const long before = newNum;
+    const long before = allocationNum();
     EXPECT_GT(before, 0) << "allocations are not counted";
     for (int cols = 1; cols <= 9; ++cols) {
         block.setInputSize(0, {2, cols});
         block.step();
     }
-    return newNum - before;
+    return allocationNum() - before;
 }
 
 TEST(AllocationTest, StepAllocatesNothing)
@@ -92,13 +48,13 @@ TEST(AllocationTest, EstimatorStepAllocatesNothing)
     esttform::Settings settings;
     settings.type = esttform::TransformType::Similarity;
     esttform::Estimator estimator(settings, PTS_NUM, options);
-    const long before = newNum;
+    const long before = allocationNum();
     ASSERT_GT(before, 0) << "allocations are not counted";
     for (int ptsNum = 10; ptsNum <= PTS_NUM; ++ptsNum) {
         const esttform::StepResult& result = estimator.step(points, points, ptsNum);
         ASSERT_TRUE(result.isFound() && result.warnings.empty());
     }
-    EXPECT_EQ(newNum - before, 0);
+    EXPECT_EQ(allocationNum() - before, 0);
 }
 
 }  // namespace

@@ -1,16 +1,29 @@
-// Matrices for the tests of the decompositions, by situation, and the tolerance by which results are judged.
-// Their seed follows from situation and shape, which every failure text names.
+// Matrices for the tests of the decompositions, by situation, and the reference results and tolerances to judge by.
+// Everything is in double; matrices for single precision hold values that it can represent.
 #pragma once
 
-#include <cstring>
+#include <cstdint>
 #include <limits>
+#include <string>
+#include <vector>
 
-#include "point_sets.h"
+#include <Eigen/Core>
 
 namespace testsupport {
 
-template <typename T>
-using Matrix = Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic>;
+using Eigen::MatrixXd;
+
+/// The precision of the type under test.
+struct Precision {
+    bool isDouble;
+    double eps, denormMin;
+
+    template <typename T>
+    static Precision of()
+    {
+        return {sizeof(T) == 8, double(std::numeric_limits<T>::epsilon()), double(std::numeric_limits<T>::denorm_min())};
+    }
+};
 
 enum class Content {
     RANDOM, ZERO, ONES,
@@ -28,83 +41,40 @@ struct Shape {
     int m, n;
 };
 
-inline std::string describe(Content content, Shape shape)
-{
-    static const char* const NAMES[] = {"random", "zero",           "ones",     "rankDeficient", "zeroColumns",
-                                        "graded", "nearlyParallel", "repeated", "tiny",          "subnormal", "large"};
-    return NAMES[static_cast<int>(content)] + (" " + std::to_string(shape.m)) + " x " + std::to_string(shape.n);
-}
+/// For failure texts; the seed of a matrix follows from it.
+std::string describe(Content content, Shape shape);
+MatrixXd makeMatrix(Content content, Shape shape, const Precision& precision);
+/// Entries from -1 to 1.
+MatrixXd makeRandom(int m, int n, std::uint32_t seed);
+MatrixXd makeOrthonormal(int m, int n, std::uint32_t seed);
 
-template <typename T>
-Matrix<T> makeRandom(int m, int n, std::uint32_t seed)
-{
-    SeededRandom random(seed);
-    return Matrix<T>::NullaryExpr(m, n, [&random] { return static_cast<T>(random.uniform(-1.0, 1.0)); });
-}
-
-template <typename T>
-Matrix<T> makeOrthonormal(int m, int n, std::uint32_t seed)
-{
-    return Eigen::HouseholderQR<Matrix<T>>(makeRandom<T>(m, n, seed)).householderQ() * Matrix<T>::Identity(m, n);
-}
-
-template <typename T>
-Matrix<T> makeMatrix(Content content, Shape shape)
-{
-    const auto scale = [](double forDouble, double forFloat) { return T(sizeof(T) == 8 ? forDouble : forFloat); };
-    const auto [m, n] = shape;
-    const int q = std::min(m, n);
-    const std::uint32_t seed = static_cast<std::uint32_t>(1000 * static_cast<int>(content) + 30 * m + n);
-    Matrix<T> A = makeRandom<T>(m, n, seed);
-    switch (content) {
-    case Content::RANDOM: break;
-    case Content::ZERO: A.setZero(); break;
-    case Content::ONES: A.setOnes(); break;
-    case Content::RANK_DEFICIENT:
-        A = makeRandom<T>(m, (q + 1) / 2, seed + 1) * makeRandom<T>((q + 1) / 2, n, seed + 2);
-        break;
-    case Content::ZERO_COLUMNS:
-        for (int j = 0; j < n; j += 2) A.col(j).setZero();
-        break;
-    case Content::GRADED:
-        for (int j = 0; j < n; ++j) A.col(j) *= static_cast<T>(std::pow(10.0, -2 * ((5 * j + 3) % 11)));
-        break;
-    case Content::NEARLY_PARALLEL:
-        A = makeRandom<T>(m, 1, seed + 1).replicate(1, n) + std::numeric_limits<T>::epsilon() * T(200) * A;
-        break;
-    case Content::REPEATED: {
-        Matrix<T> s = Matrix<T>::Ones(q, 1);
-        s.topRows(std::min(q, 3)) *= T(3);
-        A = makeOrthonormal<T>(m, q, seed + 1) * s.col(0).asDiagonal() * makeOrthonormal<T>(n, q, seed + 2).transpose();
-        break;
-    }
-    case Content::TINY: A *= scale(1e-270, 1e-23); break;
-    case Content::SUBNORMAL: A *= scale(1e-310, 1e-40); break;
-    case Content::LARGE: A *= scale(1e306, 1e36); break;
-    }
-    return A;
-}
+/// Reference: singular values in decreasing order; order of columns that pivoting for the largest norm gives.
+MatrixXd singularValuesOf(const MatrixXd& A);
+std::vector<std::int32_t> pivotsOf(const MatrixXd& A);
 
 /// Relative accuracy that a computation with A can have: units of max(m, n)*eps, and what subnormal entries lack.
-template <typename T>
-T relativeTolerance(const Matrix<T>& A, T units)
-{
-    const T norm = A.stableNorm();
-    const T lack = norm > T(0) ? std::numeric_limits<T>::denorm_min() / norm : T(0);
-    return units * static_cast<T>(std::max(A.rows(), A.cols())) * (std::numeric_limits<T>::epsilon() + lack);
-}
-
+double relativeTolerance(const MatrixXd& A, const Precision& precision, double units = 4.0);
+double normOf(const MatrixXd& A);
 /// Largest element of Q'Q - I.
+double lackOfOrthonormality(const MatrixXd& Q);
+/// Equal in every bit of every element.
+bool hasSameBits(const MatrixXd& A, const MatrixXd& B);
+
+/// A as the array that a kernel takes, and such an array as a matrix.
 template <typename T>
-T lackOfOrthonormality(const Matrix<T>& Q)
+std::vector<T> toArray(const MatrixXd& A)
 {
-    return (Q.transpose() * Q - Matrix<T>::Identity(Q.cols(), Q.cols())).cwiseAbs().maxCoeff();
+    std::vector<T> array;
+    for (Eigen::Index i = 0; i < A.size(); ++i) array.push_back(static_cast<T>(A.data()[i]));
+    return array;
 }
 
 template <typename T>
-bool hasSameBits(const Matrix<T>& A, const Matrix<T>& B)
+MatrixXd toMatrix(const std::vector<T>& array, int m, int n)
 {
-    return A.size() == B.size() && std::memcmp(A.data(), B.data(), static_cast<std::size_t>(A.size()) * sizeof(T)) == 0;
+    MatrixXd A(m, n);
+    for (Eigen::Index i = 0; i < A.size(); ++i) A.data()[i] = static_cast<double>(array[std::size_t(i)]);
+    return A;
 }
 
 }  // namespace testsupport
