@@ -2,7 +2,7 @@
 
 #include "block_library.h"
 #include "callback_runner.h"
-#include "memory.h"
+#include "instance_memory.h"
 #include "message_catalog.h"
 #include "propagation.h"
 

@@ -22,7 +22,9 @@ constexpr Entry TEXTS[] = {
     {"inlierOutNotVector", "the inlier output must be a vector: 1 dimension, or 2 dimensions of which one is 1"},
     {"inlierOutSzTooSmall", "the inlier output is too short: the transformation type needs at least {0} point pairs"},
     {"rtpAllocFailed", "the run-time parameters could not be set up: the host refused their number"},
-    {"memoryAllocationFailed", "the work vectors could not be set up: the host refused their number"},
+    {"memoryAllocationFailed", "the block could not get its memory: the host refused the work vectors, the points are too "
+                               "many for them, or none was left for the engine"},
+    {"codeGenerationUnavailable", "this version of the block generates no code; it runs in simulation only"},
     {"invalidRandomSamples", "no sample of distinct pairs after 10 draws; the last one was fitted"},
 };
 

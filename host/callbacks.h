@@ -1,6 +1,6 @@
 // The eighteen entry points that a block exports and its host calls, with the order that both rely on.
 //
-// 1. mdlInitializeSizes, then mdlCheckParameters: later callbacks read only values that passed.
+// 1. mdlInitializeSizes, then mdlCheckParameters: later callbacks read only values that it let pass.
 // 2. Propagation, in any order and as often as needed, until every size, type and dimensions mode is known.
 //    mdlInitializeSampleTimes at any point after 1.
 // 3. mdlSetWorkWidths.

@@ -52,7 +52,7 @@ inline void makeHouseholderVector(const Cache& cache, T* x, std::int32_t num, T*
         }
     }
 
-    constexpr T SAFE_RECIPROCAL = T(5e-20);              // below 1/this the reciprocal of the norm may overflow
+    constexpr T SAFE_RECIPROCAL = T(5e-20);              // a norm that this takes to 0 may have no finite reciprocal
     T probe;
     cache.setRe(&probe, cache.re(*nrmxl) * SAFE_RECIPROCAL);
     cache.setIm(&probe, cache.im(*nrmxl) * SAFE_RECIPROCAL);

@@ -27,7 +27,7 @@ extern "C" {
  * @param U            out, n x min(n, p): left singular vectors; not touched without wantVectors
  * @param V            out, p x p: right singular vectors; not touched without wantVectors
  * @param wantVectors  not 0: form U and V
- * @return 0: done. -1: a value that is not finite in the super-diagonal. m > 0: m singular values not found, after more
+ * @return 0: done. -1: a value that is not finite met in the test of the super-diagonal. m > 0: m singular values not found, after more
  *         than 75 QR steps for one value or because of a diagonal value that is not finite.
  */
 int32_t svdc_d(double* X, int32_t n, int32_t p, double* s, double* e, double* work, double* U, double* V,

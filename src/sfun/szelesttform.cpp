@@ -61,7 +61,8 @@ CreateEngine findEngine(int pointType, int tformType)
 
 }  // namespace
 
-/// Creates the engine for the settled data types and hands it to the host as the instance's user data.
+/// Creates the engine for the settled data types and hands it to the host as the instance's user data. A pair of types
+/// that the propagation rules exclude gets none, and its steps do nothing.
 void mdlStart(SysObjAdaptorSFun* S)
 {
     const int tformType = bhGetOutputPortDataType(S, outputPortIndex(S, TFORM_PORT));
@@ -87,14 +88,16 @@ void mdlOutputs(SysObjAdaptorSFun* S)
     }
     if (bhGetErrorStatus(S) != nullptr) return;
     const std::int32_t ptsNum = bhGetCurrentInputPortDimensions(S, 0, pointAxis(S));
-    engineOf(S)->output(ptsNum);
+    if (baseEstTForm* const engine = engineOf(S)) engine->output(ptsNum);
 }
 
+/// Hands changed run-time parameters to the engine.
 void mdlProcessParameters(SysObjAdaptorSFun* S)
 {
-    engineOf(S)->processParameters(S);
+    if (baseEstTForm* const engine = engineOf(S)) engine->processParameters(S);
 }
 
+/// Releases the engine; also called when none was created.
 void mdlTerminate(SysObjAdaptorSFun* S)
 {
     delete engineOf(S);

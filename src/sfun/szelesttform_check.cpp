@@ -45,9 +45,7 @@ bool checkChoices(SysObjAdaptorSFun* S)
     if (!dspIsPopupParamValid(S, TRANSFORM_TYPE, 1, 3)) return false;
     if (!dspIsCheckboxParamValid(S, EXCLUDE_OUTLIERS)) return false;
     if (!dspIsPopupParamValid(S, METHOD, 1, 2)) return false;
-    if (readFlag(S, EXCLUDE_OUTLIERS) && readCode(S, METHOD) == 1) {
-        if (!dspIsPopupParamValid(S, SAMPLE_NUM_SOURCE, 1, 2)) return false;
-    }
+    if (isThresholdMethod(S) && !dspIsPopupParamValid(S, SAMPLE_NUM_SOURCE, 1, 2)) return false;
     return dspIsCheckboxParamValid(S, BREAK_BY_PERCENTAGE) && dspIsCheckboxParamValid(S, REFINE_ITERATIVELY)
         && dspIsCheckboxParamValid(S, OUTPUT_INLIERS) && dspIsPopupParamValid(S, RESERVED_CODE, 1, 3)
         && dspIsPopupParamValid(S, TFORM_TYPE_FOR_INTEGERS, 1, 2) && dspIsCheckboxParamValid(S, RESERVED_FLAG);

@@ -5,5 +5,5 @@
 /// This version estimates in simulation only: the request ends with an error of the instance, nothing is described.
 void mdlVektCG(sysobj::SysObjAdaptorSFun* S, CGIR_Block_IF*)
 {
-    OrbSimCommon::dspError(S, resource_core::BaseMsgID("codeGenerationUnavailable"));
+    OrbSimCommon::dspError(S, catalog::codeGenerationUnavailable());
 }

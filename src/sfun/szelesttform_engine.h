@@ -12,11 +12,12 @@
 class baseEstTForm {
 public:
     virtual ~baseEstTForm() = default;
-    /// One estimation on the current inputs: writes TForm and, when the port exists, the inlier mask.
+    /// One estimation on the current inputs: writes TForm and, when the port exists, the inlier mask. Allocates nothing.
+    /// [in mdlOutputs; host thread]
     ///
     /// @param ptsNum  current number of point pairs; below a minimal sample or above the bound, the outputs are cleared
     virtual void output(std::int32_t ptsNum) = 0;
-    /// Re-reads the run-time parameters.
+    /// Re-reads the run-time parameters.  [in mdlProcessParameters; host thread]
     virtual void processParameters(sysobj::SysObjAdaptorSFun* block) = 0;
 
 protected:
@@ -24,6 +25,13 @@ protected:
     baseEstTForm(const baseEstTForm&) = delete;
     baseEstTForm& operator=(const baseEstTForm&) = delete;
 };
+
+/// Limit of the iterations for a number of samplings. Above 2147483647 it wraps to a negative limit, which ends the
+/// sampling phase after one sample.
+constexpr std::int32_t loopNumOf(std::uint32_t maxSampleNum)
+{
+    return static_cast<std::int32_t>(maxSampleNum);
+}
 
 template <typename Ti, typename Tc>
 class EngineParts;
@@ -57,9 +65,11 @@ public:
     template <typename Parts>
     void estimate(std::int32_t ptsNum, Parts& parts);
 
-    /// Scores the current candidate, keeps it when it is the best, adapts the loop number, ends the sampling phase.
+    /// Judges the current candidate, keeps it when it is the best, adapts the loop number, ends the sampling phase.
+    ///
+    /// @param inlierDis  score of the distance-threshold method; the median method takes its own from the distances
     /// @return isContinue: whether the search goes on
-    bool updateBest();
+    bool updateBest(Tc inlierDis);
 
     sysobj::SysObjAdaptorSFun* block;      ///< for parameter reads and reports
     const Ti* pts1 = nullptr;              ///< points of the first set
@@ -81,12 +91,12 @@ public:
     bool isDisThrMethod = false;           ///< else the median method
     std::int32_t sampleSize = 0;           ///< pairs of a minimal sample
     bool isRefineIteratively = false;
-    bool isUseSampleNum = false;           ///< not read
+    bool isUseSampleNum = false;           ///< filled, not read
     bool isUseConfidence = false;
     bool isBreakByPercentage = false;
     bool isOutputInliers = false;
     bool isRandomSampling = false;
-    bool isPtsNumFromSize = false;
+    bool isPtsNumFromSize = false;         ///< filled, not read: the number of pairs is always the current size
     std::uint32_t maxSampleNum = 0;        ///< SAMPLENUM_RTP
     Tc disThr = Tc(0);                     ///< DIST_THR_RTP; in the median method the best median
     Tc confidence = Tc(0);                 ///< CONFIDENCE_RTP, percent
@@ -104,14 +114,15 @@ public:
 
 private:
     void clearOutputs();
+    void startSampling();
     template <typename Parts>
     void fitAll(Parts& parts);
     template <typename Parts>
     void search(Parts& parts);
     template <typename Parts>
     bool prepareSample(Parts& parts, std::int32_t* n);
-    bool scoreByThreshold();
-    bool scoreByMedian();
+    bool updateByThreshold(Tc inlierDis);
+    bool updateByMedian();
     void keepCandidate();
     void endSamplingPhaseWhenDue();
 };
@@ -130,14 +141,20 @@ public:
     /// Fits the first n pairs of sampleIdx into tformCompact, exactly for n = sampleSize, else by least squares.
     /// @return false when no transformation was found
     bool fitTForm(std::int32_t n);
-    /// Distances of all pairs to tformCompact, into DW_DISTANCE.
-    void computeDistances();
+    /// Distances of all pairs to tformCompact, into DW_DISTANCE; in the sampling phase only as far as the candidate can
+    /// still become the best.
+    /// @return score of the distance-threshold method, or a part of it that is no improvement; 0 in the median method
+    Tc computeDistances();
     /// TForm from a compact transformation.
     void writeTForm(const Tc* compact);
 
 private:
     template <std::int32_t SAMPLE_SIZE>
+    void makeAllConstraintsSized();
+    template <std::int32_t SAMPLE_SIZE>
     bool fitSized(std::int32_t n);
+    template <std::int32_t SAMPLE_SIZE>
+    Tc computeDistancesSized();
 
     estTForm<Ti, Tc>& mEngine;
     bool mIsInRows;

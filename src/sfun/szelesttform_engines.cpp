@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 
 #include "block_run.h"
 #include "szelesttform_engine.h"
@@ -26,14 +27,14 @@ estTForm<Ti, Tc>::estTForm(SysObjAdaptorSFun* S, QrCache* cache) : block(S), qrC
     const int inlierPort = outputPortIndex(S, INLIER_PORT);
     if (inlierPort >= 0) inlier = static_cast<std::uint8_t*>(bhGetOutputPortSignal(S, inlierPort));
 
-    const bool hasSearch = readFlag(S, EXCLUDE_OUTLIERS);
+    const bool isRobustBlock = readFlag(S, EXCLUDE_OUTLIERS);  // the settings are read below, in their order
     sampleIdx = static_cast<std::uint32_t*>(bhGetDWork(S, DW_SAMPLEIDX));
     bestSample = static_cast<std::uint32_t*>(bhGetDWork(S, DW_BEST_SAMPLE));
     ptsNorm1 = static_cast<Tc*>(bhGetDWork(S, DW_PTSNORM1));
     ptsNorm2 = static_cast<Tc*>(bhGetDWork(S, DW_PTSNORM2));
-    if (hasSearch) distance = static_cast<Tc*>(bhGetDWork(S, DW_DISTANCE));
+    if (isRobustBlock) distance = static_cast<Tc*>(bhGetDWork(S, DW_DISTANCE));
     constraint = static_cast<Tc*>(bhGetDWork(S, DW_CONSTRAINT));
-    if (hasSearch) constraintAll = static_cast<Tc*>(bhGetDWork(S, DW_CONSTRT_ALL));
+    if (isRobustBlock) constraintAll = static_cast<Tc*>(bhGetDWork(S, DW_CONSTRT_ALL));
     factor = static_cast<Tc*>(bhGetDWork(S, DW_FACTOR));
 
     readSettings(S, *this);
@@ -51,7 +52,7 @@ template <typename Ti, typename Tc>
 void estTForm<Ti, Tc>::processParameters(SysObjAdaptorSFun* S)
 {
     readRunTimeParams(S, maxSampleNum, confidence, disThr, breakPercentage);
-    loopNum = static_cast<std::int32_t>(maxSampleNum);
+    loopNum = loopNumOf(maxSampleNum);
 }
 
 // ---- The step
@@ -70,12 +71,26 @@ void estTForm<Ti, Tc>::clearOutputs()
     if (isOutputInliers) std::fill_n(inlier, std::max(0, std::min(ptsNum, maxPtsNum)), std::uint8_t(0));
 }
 
+/// Where the first sample starts from: cyclic stepping from 0, 1, ...; random drawing from whatever the last step left,
+/// which shows only when a draw fails, and then must be a pair of this step.
+template <typename Ti, typename Tc>
+void estTForm<Ti, Tc>::startSampling()
+{
+    for (std::int32_t i = 0; i < sampleSize; ++i) {
+        if (!isRandomSampling) {
+            sampleIdx[i] = static_cast<std::uint32_t>(i);
+        } else if (sampleIdx[i] >= static_cast<std::uint32_t>(ptsNum)) {
+            sampleIdx[i] = 0;
+        }
+    }
+}
+
 // ---- Scoring and stopping
 
 template <typename Ti, typename Tc>
-bool estTForm<Ti, Tc>::updateBest()
+bool estTForm<Ti, Tc>::updateBest(Tc inlierDis)
 {
-    const bool hasImprovement = isDisThrMethod ? scoreByThreshold() : scoreByMedian();
+    const bool hasImprovement = isDisThrMethod ? updateByThreshold(inlierDis) : updateByMedian();
     if (mIsRandomSamplingStep) {
         endSamplingPhaseWhenDue();
         return true;
@@ -84,11 +99,10 @@ bool estTForm<Ti, Tc>::updateBest()
     return isRefineIteratively && hasImprovement && (!isDisThrMethod || loopCount < loopNum);
 }
 
-/// Scores by the sum of truncated distances. @return hasImprovement
+/// The smaller sum of truncated distances is better. @return hasImprovement
 template <typename Ti, typename Tc>
-bool estTForm<Ti, Tc>::scoreByThreshold()
+bool estTForm<Ti, Tc>::updateByThreshold(Tc inlierDis)
 {
-    const Tc inlierDis = sumTruncatedDistances(distance, ptsNum, disThr);
     if (!(bestInlierDis > inlierDis) && loopCount != 1) return false;
     bestInlierDis = inlierDis;
     keepCandidate();
@@ -99,9 +113,9 @@ bool estTForm<Ti, Tc>::scoreByThreshold()
     return true;
 }
 
-/// Scores by the median distance, which becomes the threshold of the inliers. @return hasImprovement
+/// The smaller median distance is better, and becomes the threshold of the inliers. @return hasImprovement
 template <typename Ti, typename Tc>
-bool estTForm<Ti, Tc>::scoreByMedian()
+bool estTForm<Ti, Tc>::updateByMedian()
 {
     const Tc med = medianDistance(distance, ptsNum, ptsNorm1);
     if (!(disThr > med) && loopCount != 1) return false;
@@ -139,7 +153,18 @@ EngineParts<Ti, Tc>::EngineParts(estTForm<Ti, Tc>& engine, std::int32_t ptsNum)
 template <typename Ti, typename Tc>
 void EngineParts<Ti, Tc>::makeAllConstraints()
 {
-    makeConstraintMatrix(mEngine.pts1, mEngine.pts2, mLayout, mEngine.sampleSize, mEngine.ptsNum,
+    switch (mEngine.sampleSize) {
+    case 2: makeAllConstraintsSized<2>(); break;
+    case 3: makeAllConstraintsSized<3>(); break;
+    default: makeAllConstraintsSized<4>(); break;
+    }
+}
+
+template <typename Ti, typename Tc>
+template <std::int32_t SAMPLE_SIZE>
+void EngineParts<Ti, Tc>::makeAllConstraintsSized()
+{
+    makeConstraintMatrix(mEngine.pts1, mEngine.pts2, mLayout, FixedSize<SAMPLE_SIZE>{}, mEngine.ptsNum,
                          mEngine.constraintAll);
 }
 
@@ -186,13 +211,30 @@ bool EngineParts<Ti, Tc>::fitSized(std::int32_t n)
 }
 
 template <typename Ti, typename Tc>
-void EngineParts<Ti, Tc>::computeDistances()
+Tc EngineParts<Ti, Tc>::computeDistances()
 {
     switch (mEngine.sampleSize) {
-    case 2: ::computeDistances<5>(mEngine.constraintAll, mEngine.ptsNum, mEngine.tformCompact, mEngine.distance); break;
-    case 3: ::computeDistances<7>(mEngine.constraintAll, mEngine.ptsNum, mEngine.tformCompact, mEngine.distance); break;
-    default: ::computeDistances<9>(mEngine.constraintAll, mEngine.ptsNum, mEngine.tformCompact, mEngine.distance); break;
+    case 2: return computeDistancesSized<2>();
+    case 3: return computeDistancesSized<3>();
+    default: return computeDistancesSized<4>();
     }
+}
+
+template <typename Ti, typename Tc>
+template <std::int32_t SAMPLE_SIZE>
+Tc EngineParts<Ti, Tc>::computeDistancesSized()
+{
+    constexpr std::int32_t COL_NUM = 2 * SAMPLE_SIZE + 1;
+    const estTForm<Ti, Tc>& engine = mEngine;
+    if (!engine.isDisThrMethod) {
+        ::computeDistances<COL_NUM>(engine.constraintAll, engine.ptsNum, engine.tformCompact, engine.distance);
+        return Tc(0);
+    }
+    // The first candidate of a phase is accepted whatever its score; a refit leaves the distances of all pairs.
+    const bool canGiveUp = engine.mIsRandomSamplingStep && engine.loopCount != 1 && engine.disThr >= Tc(0);
+    const Tc limit = canGiveUp ? engine.bestInlierDis : std::numeric_limits<Tc>::infinity();
+    return scoreDistances<COL_NUM>(engine.constraintAll, engine.ptsNum, engine.tformCompact, engine.disThr, limit,
+                                   engine.distance);
 }
 
 template <typename Ti, typename Tc>

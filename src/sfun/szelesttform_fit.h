@@ -9,7 +9,8 @@
 #include "dspqrfact.h"
 #include "svdc.h"
 
-/// The normalizations of both subsets of a fit. A subset whose points coincide determines no scale; it keeps 1, which
+/// The normalizations of both subsets of a fit. A subset whose points coincide (whose distances from the centroid sum to
+/// 0) determines no scale; it keeps 1, which
 /// leaves its centred points as they are, so that such a fit goes on and is judged by its distances like any other.
 template <typename Tc>
 struct Normalization {
@@ -99,7 +100,8 @@ bool solveLargerSet(std::int32_t n, const LeastSquaresWork<Tc>& arrays, Tc* h)
 /// @tparam SAMPLE_SIZE  2, 3 or 4; colNum = 2*SAMPLE_SIZE + 1
 /// @param h             in, colNum values: null vector of the constraints of the normalized points
 /// @param norm          the normalizations N1 and N2
-/// @param t             out, colNum values, not yet scaled to a last value of 1
+/// @param t             out, colNum values, not yet scaled to a last value of 1. A scale that is 0 or not finite
+///                      propagates
 template <std::int32_t SAMPLE_SIZE, typename Tc>
 inline void denormalizeTForm(const Tc* h, const Normalization<Tc>& norm, Tc* t)
 {
@@ -142,7 +144,7 @@ inline void denormalizeTForm(const Tc* h, const Normalization<Tc>& norm, Tc* t)
 
 /// Scales a compact transformation to a last value of 1.
 ///
-/// @return false, t left alone, when the last value is 0; a NaN is no failure and makes all values NaN
+/// @return false, t left alone, when the last value is 0; a NaN is no failure and makes all other values NaN
 template <std::int32_t COL_NUM, typename Tc>
 inline bool scaleToLastOne(Tc* t)
 {

@@ -35,25 +35,24 @@ bool declareInputs(SysObjAdaptorSFun* S)
     const DimsInfo_tag dynamicSize = getDefaultDimensionInfo();
     for (int port = 0; port < POINT_PORT_NUM; ++port) {
         if (!bhSetInputPortDimensionInfo(S, port, &dynamicSize)) return false;
-        bhSetInputPortFrameData(S, port, FRAME_UNSET);
-        bhSetInputPortDataType(S, port, DT_UNSET);
+        if (!bhSetInputPortFrameData(S, port, FRAME_UNSET)) return false;
+        if (!bhSetInputPortDataType(S, port, DT_UNSET)) return false;
         bhSetInputPortComplexSignal(S, port, REAL_SIGNAL);
         bhSetInputPortOptimOpts(S, port, REUSABLE);
         bhSetInputPortDirectFeedThrough(S, port, 1);
         bhSetInputPortOverWritable(S, port, 0);
         bhSetInputPortRequiredContiguous(S, port, 1);
-        bhSetInputPortDimensionsMode(S, port, DIMS_MODE_UNSET);
+        if (!bhSetInputPortDimensionsMode(S, port, DIMS_MODE_UNSET)) return false;
     }
     return true;
 }
 
-void declareOutput(SysObjAdaptorSFun* S, int port, DataTypeId typeId, DimensionsMode mode)
+bool declareOutput(SysObjAdaptorSFun* S, int port, DataTypeId typeId, DimensionsMode mode)
 {
-    bhSetOutputPortFrameData(S, port, NOT_FRAME);
+    if (!bhSetOutputPortFrameData(S, port, NOT_FRAME)) return false;
     bhSetOutputPortComplexSignal(S, port, REAL_SIGNAL);
     bhSetOutputPortOptimOpts(S, port, REUSABLE);
-    bhSetOutputPortDataType(S, port, typeId);
-    bhSetOutputPortDimensionsMode(S, port, mode);
+    return bhSetOutputPortDataType(S, port, typeId) && bhSetOutputPortDimensionsMode(S, port, mode);
 }
 
 /// TForm is 3-by-2 or 3-by-3 for points in rows, 2-by-3 or 3-by-3 for points in columns.
@@ -67,18 +66,18 @@ bool declareOutputs(SysObjAdaptorSFun* S)
     if (!bhSetOutputPortMatrixDimensions(S, tformPort, isInRows ? 3 : shorterSide, isInRows ? shorterSide : 3)) {
         return false;
     }
-    declareOutput(S, tformPort, DT_UNSET, DIMS_MODE_FIXED);
+    if (!declareOutput(S, tformPort, DT_UNSET, DIMS_MODE_FIXED)) return false;
 
     const int inlierPort = outputPortIndex(S, INLIER_PORT);
     if (inlierPort == NONE) return true;
     const DimsInfo_tag dynamicSize = getDefaultDimensionInfo();
     if (!bhSetOutputPortDimensionInfo(S, inlierPort, &dynamicSize)) return false;
-    declareOutput(S, inlierPort, DT_BOOLEAN, DIMS_MODE_UNSET);
-    return true;
+    return declareOutput(S, inlierPort, DT_BOOLEAN, DIMS_MODE_UNSET);
 }
 
 }  // namespace
 
+/// Declares parameters, ports, options and an empty user data; stops at the first refusal.
 void mdlInitializeSizes(SysObjAdaptorSFun* S)
 {
     if (!OrbSimCommon::registerSFunctionParams(S, DIALOG_PARAM_NUM)) return;

@@ -25,7 +25,7 @@ constexpr RtpRow THRESHOLD_RTP[2][2] = {
 const RtpRow& rtpRow(SysObjAdaptorSFun* S)
 {
     if (!readFlag(S, EXCLUDE_OUTLIERS)) return NO_RTP;
-    if (readCode(S, METHOD) != 1) return MEDIAN_RTP;
+    if (!isThresholdMethod(S)) return MEDIAN_RTP;
     const std::int32_t source = readCode(S, SAMPLE_NUM_SOURCE);
     if (source != 1 && source != 2) return NO_RTP;
     return THRESHOLD_RTP[readFlag(S, BREAK_BY_PERCENTAGE) ? 1 : 0][source - 1];
@@ -54,9 +54,19 @@ std::int32_t readSampleSize(SysObjAdaptorSFun* S)
     return transformType >= 1 && transformType <= 3 ? transformType + 1 : 0;
 }
 
+bool isThresholdMethod(SysObjAdaptorSFun* S)
+{
+    return readFlag(S, EXCLUDE_OUTLIERS) && readCode(S, METHOD) == 1;
+}
+
+bool hasInlierOutput(SysObjAdaptorSFun* S)
+{
+    return readFlag(S, EXCLUDE_OUTLIERS) && readFlag(S, OUTPUT_INLIERS);
+}
+
 bool isConfidenceMode(SysObjAdaptorSFun* S)
 {
-    return readFlag(S, EXCLUDE_OUTLIERS) && readCode(S, METHOD) == 1 && readCode(S, SAMPLE_NUM_SOURCE) == 2;
+    return isThresholdMethod(S) && readCode(S, SAMPLE_NUM_SOURCE) == 2;
 }
 
 int rtpIndex(SysObjAdaptorSFun* S, RunTimeParam kind)

@@ -54,6 +54,10 @@ bool readFlag(sysobj::SysObjAdaptorSFun* S, DialogParam idx);
 
 /// Point pairs of a minimal sample: 2, 3 or 4 by transformation type, 0 for any other code.
 std::int32_t readSampleSize(sysobj::SysObjAdaptorSFun* S);
+/// True when candidates are scored by the distance threshold: robust, method 1.
+bool isThresholdMethod(sysobj::SysObjAdaptorSFun* S);
+/// True when the block has the inlier output: robust, flag 12.
+bool hasInlierOutput(sysobj::SysObjAdaptorSFun* S);
 /// True when the sampling number follows from the desired confidence: robust, threshold method, source 2.
 bool isConfidenceMode(sysobj::SysObjAdaptorSFun* S);
 /// Run-time index of a kind, NONE when it does not exist; for RTP_NUM the number that exist.

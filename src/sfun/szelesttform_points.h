@@ -30,7 +30,8 @@ struct PointLayout {
 /// @param n           number of indices
 /// @param out         out, 2*n values: the normalized subset
 /// @param layoutOut   layout of out, leading dimension n
-/// @param scale       out, left alone when all n points coincide: out is centred only then
+/// @param scale       out, left alone when the distances from the centroid sum to 0, as those of coinciding points do (up
+///                    to the rounding of the centroid): out is centred only then
 /// @param cents       out, centroid (a, b)
 ///
 /// A normalized point is scale * (point - cents). Values that are not finite propagate.
@@ -68,20 +69,19 @@ inline void normPts(const Ti* points, const PointLayout& layout, const std::uint
     for (std::int32_t i = 0; i < 2 * n; ++i) out[i] *= *scale;
 }
 
-/// What an entry of a constraint row is for every pair.
-enum class ConstraintEntry : std::uint8_t { ZERO, ONE, MINUS_ONE, VALUE };
+/// The entries of both rows of a pair that are not 0 for every pair, in ascending order of columns. Term CONSTANT_TERM is
+/// -1 in row 2i and 1 in row 2i + 1; the others vary.
+struct ConstraintTerms {
+    std::int32_t num;          ///< terms of each row
+    std::int32_t cols[6][2];   ///< columns of a term in row 2i and in row 2i + 1
+};
+constexpr std::int32_t CONSTANT_TERM = 2;
 
-/// Entries of rows 2i and 2i + 1 of the constraint matrix, by [sampleSize - 2][row][column].
-struct ConstraintEntries {
-    static constexpr ConstraintEntry Z = ConstraintEntry::ZERO;
-    static constexpr ConstraintEntry P = ConstraintEntry::ONE;
-    static constexpr ConstraintEntry M = ConstraintEntry::MINUS_ONE;
-    static constexpr ConstraintEntry V = ConstraintEntry::VALUE;
-    static constexpr ConstraintEntry TABLE[3][2][9] = {
-        {{V, V, Z, M, V}, {V, V, P, Z, V}},
-        {{Z, Z, Z, V, V, M, V}, {V, V, P, Z, Z, Z, V}},
-        {{Z, Z, Z, V, V, M, V, V, V}, {V, V, P, Z, Z, Z, V, V, V}},
-    };
+/// Terms by [sampleSize - 2]; they describe what makeConstraintMatrix writes.
+constexpr ConstraintTerms CONSTRAINT_TERMS[3] = {
+    {4, {{0, 0}, {1, 1}, {3, 2}, {4, 4}}},
+    {4, {{3, 0}, {4, 1}, {5, 2}, {6, 6}}},
+    {6, {{3, 0}, {4, 1}, {5, 2}, {6, 6}, {7, 7}, {8, 8}}},
 };
 
 /// Rows of the homogeneous system A*h = 0 that n point pairs put on a compact transformation h: two rows a pair.

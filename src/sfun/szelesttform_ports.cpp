@@ -10,7 +10,7 @@ using namespace OrbSimCommon;
 
 int outputPortIndex(SysObjAdaptorSFun* S, OutputPort kind)
 {
-    const bool hasInlierPort = readFlag(S, EXCLUDE_OUTLIERS) && readFlag(S, OUTPUT_INLIERS);
+    const bool hasInlierPort = hasInlierOutput(S);
     switch (kind) {
     case TFORM_PORT: return 0;
     case INLIER_PORT: return hasInlierPort ? 1 : NONE;
@@ -93,8 +93,10 @@ void mdlSetInputPortDimensionInfo(SysObjAdaptorSFun* S, int port, const DimsInfo
 }
 
 /// Takes a size offered to the inlier output: a vector of at least one minimal sample sizes the point inputs too.
-void mdlSetOutputPortDimensionInfo(SysObjAdaptorSFun* S, int, const DimsInfo_tag* record)
+/// TForm has its size from the start; an offer for it is ignored.
+void mdlSetOutputPortDimensionInfo(SysObjAdaptorSFun* S, int port, const DimsInfo_tag* record)
 {
+    if (port != outputPortIndex(S, INLIER_PORT)) return;
     if (!isVector(*record)) {
         dspError(S, catalog::inlierOutNotVector());
         return;
@@ -129,6 +131,7 @@ void mdlSetInputPortDimsMode(SysObjAdaptorSFun* S, int port, int mode)
     }
 }
 
+/// Takes the frame setting as it is offered.
 void mdlSetInputPortFrameData(SysObjAdaptorSFun* S, int port, int frameData)
 {
     bhSetInputPortFrameData(S, port, frameData);

@@ -20,9 +20,11 @@ int outputPortIndex(sysobj::SysObjAdaptorSFun* S, OutputPort kind);
 /// @param r1, c1, r2, c2  rows and columns of Pts1 and of Pts2
 ///
 /// Reports at most one error: pts1Pts2NotMx2 or pts1Pts2Not2xN, pts1OrPts2TooSmall, pts1AndPts2SizesDiffer.
+/// [propagation and mdlOutputs; host thread]
 void checkPtsSizes(sysobj::SysObjAdaptorSFun* S, int r1, int c1, int r2, int c2);
 
 /// Gives both point inputs and the inlier output their sizes for a point count; stops at the first refusal.
+/// [propagation; host thread]
 ///
 /// @param ptsNum  number of point pairs
 /// @param record  size of the inlier output; null: ptsNum-by-1 for points in rows, else 1-by-ptsNum

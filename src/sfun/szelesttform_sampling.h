@@ -19,7 +19,7 @@ inline bool isDuplicate(const std::uint32_t* idx, std::int32_t j)
     return false;
 }
 
-/// Draws the next minimal sample: k distinct indices below n.
+/// Draws the next minimal sample: k distinct indices below n, unless a draw fails.
 ///
 /// @param k         sample size
 /// @param n         number of pairs, at least k

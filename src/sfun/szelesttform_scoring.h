@@ -9,38 +9,46 @@
 #include "szelesttform_convert.h"
 #include "szelesttform_points.h"
 
-/// s + row[COL] * h[COL]. With IS_FINITE all values of h are finite, and an entry that is 0, 1 or -1 for every pair
-/// needs no product: the sum has the same value.
-template <std::int32_t COL_NUM, int ROW, std::int32_t COL, bool IS_FINITE, typename Tc>
-inline Tc addProduct(Tc s, const Tc* row, const Tc* h)
-{
-    constexpr ConstraintEntry ENTRY =
-        IS_FINITE ? ConstraintEntries::TABLE[(COL_NUM - 5) / 2][ROW][COL] : ConstraintEntry::VALUE;
-    if constexpr (ENTRY == ConstraintEntry::ZERO) return s;
-    if constexpr (ENTRY == ConstraintEntry::ONE) return s + h[COL];
-    if constexpr (ENTRY == ConstraintEntry::MINUS_ONE) return s - h[COL];
-    return s + row[COL] * h[COL];
-}
-
-/// Product of row 2i (ROW = 0) or 2i + 1 (ROW = 1) with h, columns ascending.
-template <std::int32_t COL_NUM, int ROW, bool IS_FINITE, typename Tc, std::int32_t... COLS>
-inline Tc multiplyRow(const Tc* row, const Tc* h, std::integer_sequence<std::int32_t, COLS...>)
-{
-    Tc s = Tc(0);
-    ((s = addProduct<COL_NUM, ROW, COLS, IS_FINITE>(s, row, h)), ...);
-    return s;
-}
-
-template <std::int32_t COL_NUM, bool IS_FINITE, typename Tc>
-inline void computeDistancesTo(const Tc* constraint, std::int32_t ptsNum, const Tc* h, Tc* distance)
-{
-    constexpr std::make_integer_sequence<std::int32_t, COL_NUM> COLS;
-    for (std::int32_t i = 0; i < ptsNum; ++i) {
-        const Tc* const row = constraint + 2 * i * COL_NUM;
-        const Tc s0 = multiplyRow<COL_NUM, 0, IS_FINITE>(row, h, COLS);
-        const Tc s1 = multiplyRow<COL_NUM, 1, IS_FINITE>(row + COL_NUM, h, COLS);
-        distance[i] = s0 * s0 + s1 * s1;
+/// A candidate transformation to which pairs are measured.
+///
+/// Both rows of a pair have terms of the same kind, so they are multiplied side by side. When every value of h is finite,
+/// the entries that are 0 for every pair are left out and those that are 1 or -1 are added without a product: each sum has
+/// the same value. The order of each row's sum is that of its columns.
+template <std::int32_t COL_NUM, typename Tc>
+class FiniteCandidate {
+public:
+    /// @param h  in, COL_NUM finite values
+    explicit FiniteCandidate(const Tc* h)
+    {
+        for (std::int32_t t = 0; t < TERMS.num; ++t) mH[t] = Lanes{h[TERMS.cols[t][0]], h[TERMS.cols[t][1]]};
+        mH[CONSTANT_TERM][0] = -mH[CONSTANT_TERM][0];
     }
+
+    /// Squared algebraic distance of the pair whose two constraint rows begin here.
+    Tc distance(const Tc* rows) const
+    {
+        Lanes s = product(rows, 0);                      // not 0 + product: only the sign of a zero can differ
+        for (std::int32_t t = 1; t < TERMS.num; ++t) s += t == CONSTANT_TERM ? mH[t] : product(rows, t);
+        s *= s;
+        return s[0] + s[1];
+    }
+
+private:
+    static constexpr ConstraintTerms TERMS = CONSTRAINT_TERMS[(COL_NUM - 5) / 2];
+    using Lanes __attribute__((vector_size(2 * sizeof(Tc)))) = Tc;  ///< of row 2i and of row 2i + 1
+
+    Lanes product(const Tc* rows, std::int32_t t) const
+    {
+        return Lanes{rows[TERMS.cols[t][0]], rows[COL_NUM + TERMS.cols[t][1]]} * mH[t];
+    }
+
+    Lanes mH[6];
+};
+
+template <std::int32_t COL_NUM, typename Tc>
+inline bool isFiniteCandidate(const Tc* tformCompact)
+{
+    return std::all_of(tformCompact, tformCompact + COL_NUM, [](Tc value) { return std::isfinite(value); });
 }
 
 /// Squared algebraic distance of every point pair to one candidate transformation.
@@ -53,16 +61,24 @@ inline void computeDistancesTo(const Tc* constraint, std::int32_t ptsNum, const 
 /// @param distance      out, ptsNum values; similarity, affine: squared point units; projective: the same times the
 ///                      squared denominator
 ///
-/// A NaN in a row makes that pair's distance NaN. Columns ascending; the square of row 2i is added first.
+/// A NaN in a row or in the candidate makes the distance NaN. Columns ascending; the square of row 2i is added first.
 template <std::int32_t COL_NUM, typename Tc>
 inline void computeDistances(const Tc* constraint, std::int32_t ptsNum, const Tc* tformCompact, Tc* distance)
 {
-    Tc h[COL_NUM];                                       // a copy that distance cannot alias
-    std::copy(tformCompact, tformCompact + COL_NUM, h);
-    if (std::all_of(h, h + COL_NUM, [](Tc value) { return std::isfinite(value); })) {
-        computeDistancesTo<COL_NUM, true>(constraint, ptsNum, h, distance);
-    } else {
-        computeDistancesTo<COL_NUM, false>(constraint, ptsNum, h, distance);
+    if (isFiniteCandidate<COL_NUM>(tformCompact)) {
+        const FiniteCandidate<COL_NUM, Tc> candidate(tformCompact);
+        for (std::int32_t i = 0; i < ptsNum; ++i) distance[i] = candidate.distance(constraint + 2 * i * COL_NUM);
+        return;
+    }
+    for (std::int32_t i = 0; i < ptsNum; ++i) {
+        const Tc* const row = constraint + 2 * i * COL_NUM;
+        Tc s0 = Tc(0);
+        Tc s1 = Tc(0);
+        for (std::int32_t k = 0; k < COL_NUM; ++k) {
+            s0 += row[k] * tformCompact[k];
+            s1 += row[COL_NUM + k] * tformCompact[k];
+        }
+        distance[i] = s0 * s0 + s1 * s1;
     }
 }
 
@@ -72,6 +88,33 @@ Tc sumTruncatedDistances(const Tc* distance, std::int32_t ptsNum, Tc disThr)
 {
     Tc inlierDis = Tc(0);
     for (std::int32_t i = 0; i < ptsNum; ++i) inlierDis += disThr > distance[i] ? distance[i] : disThr;
+    return inlierDis;
+}
+
+/// Distances and score of the distance-threshold method in one pass, so that the sum waits for nothing.
+///
+/// @param limit  the pass may end once the score has reached it: contributions are not negative, so that no later sum
+///               falls below it again. Infinity measures every pair. Needs disThr >= 0 when finite
+/// @return the score, or a part of it that is at least limit; distances after that part are not written
+template <std::int32_t COL_NUM, typename Tc>
+inline Tc scoreDistances(const Tc* constraint, std::int32_t ptsNum, const Tc* tformCompact, Tc disThr, Tc limit,
+                         Tc* distance)
+{
+    if (!isFiniteCandidate<COL_NUM>(tformCompact)) {
+        computeDistances<COL_NUM>(constraint, ptsNum, tformCompact, distance);
+        return sumTruncatedDistances(distance, ptsNum, disThr);
+    }
+    constexpr std::int32_t BLOCK = 32;                   // pairs between two looks at the limit
+    const FiniteCandidate<COL_NUM, Tc> candidate(tformCompact);
+    Tc inlierDis = Tc(0);
+    for (std::int32_t first = 0; first < ptsNum && !(inlierDis >= limit); first += BLOCK) {
+        const std::int32_t end = std::min(ptsNum, first + BLOCK);
+        for (std::int32_t i = first; i < end; ++i) {
+            const Tc dis = candidate.distance(constraint + 2 * i * COL_NUM);
+            distance[i] = dis;
+            inlierDis += disThr > dis ? dis : disThr;
+        }
+    }
     return inlierDis;
 }
 

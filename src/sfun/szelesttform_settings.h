@@ -20,12 +20,12 @@ void readSettings(sysobj::SysObjAdaptorSFun* S, Record& record)
     record.minEqnNum = 2 * record.sampleSize;
     record.colNum = 2 * record.sampleSize + 1;
     record.isRobust = readFlag(S, EXCLUDE_OUTLIERS);
-    record.isDisThrMethod = record.isRobust && readCode(S, METHOD) == 1;
+    record.isDisThrMethod = isThresholdMethod(S);
     record.isRefineIteratively = record.isRobust && readFlag(S, REFINE_ITERATIVELY);
     record.isUseSampleNum = record.isRobust && readCode(S, SAMPLE_NUM_SOURCE) == 1;
     record.isUseConfidence = record.isRobust && readCode(S, SAMPLE_NUM_SOURCE) == 2;
     record.isBreakByPercentage = record.isRobust && readFlag(S, BREAK_BY_PERCENTAGE);
-    record.isOutputInliers = record.isRobust && readFlag(S, OUTPUT_INLIERS);
+    record.isOutputInliers = hasInlierOutput(S);
     record.isRandomSampling = readFlag(S, RANDOM_SAMPLING);
     record.isPtsNumFromSize = true;
 }

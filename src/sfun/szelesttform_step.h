@@ -14,7 +14,7 @@ void estTForm<Ti, Tc>::estimate(std::int32_t currentPtsNum, Parts& parts)
 {
     ptsNum = currentPtsNum;
     clearOutputs();
-    if (isUseConfidence) loopNum = static_cast<std::int32_t>(maxSampleNum);
+    if (isUseConfidence) loopNum = loopNumOf(maxSampleNum);
     if (ptsNum < sampleSize || ptsNum > maxPtsNum) return;
 
     if (!isRobust) {
@@ -51,9 +51,7 @@ void estTForm<Ti, Tc>::search(Parts& parts)
     }
     loopCount = 0;
     bestInlierDis = Tc(0);
-    if (!isRandomSampling) {
-        for (std::int32_t i = 0; i < sampleSize; ++i) sampleIdx[i] = static_cast<std::uint32_t>(i);
-    }
+    startSampling();
     parts.makeAllConstraints();
 
     std::int32_t n = sampleSize;
@@ -62,8 +60,7 @@ void estTForm<Ti, Tc>::search(Parts& parts)
         if (!prepareSample(parts, &n)) break;
         ++loopCount;
         if (parts.fitTForm(n)) {
-            parts.computeDistances();
-            isContinue = updateBest();
+            isContinue = updateBest(parts.computeDistances());
         } else if (mIsRandomSamplingStep) {
             isContinue = loopCount < loopNum;
         } else {

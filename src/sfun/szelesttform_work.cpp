@@ -28,12 +28,12 @@ void registerRunTimeParams(SysObjAdaptorSFun* S, int tformType)
     }
 }
 
-/// False when the host refuses the number of work vectors or a width has no 32-bit count.
+/// False when the host refuses the number of work vectors, or when a width has no 32-bit count.
 bool declareWorkVectors(SysObjAdaptorSFun* S, int tformType)
 {
     const int maxPtsNum = bhGetInputPortDimensionSize(S, 0, pointAxis(S));
     const int valuesPerPair = 2 * (2 * readSampleSize(S) + 1);
-    if (maxPtsNum > std::numeric_limits<int>::max() / valuesPerPair) return false;
+    if (maxPtsNum < 0 || maxPtsNum > std::numeric_limits<int>::max() / valuesPerPair) return false;
     const int constraintWidth = valuesPerPair * maxPtsNum;
 
     const bool isRobust = readFlag(S, EXCLUDE_OUTLIERS);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "block_work.h"
 #include "szelesttform_params.h"
@@ -21,6 +22,7 @@ enum WorkVector : int {
 };
 
 /// Copies the run-time parameters' current values, each first updated from its dialog parameter.
+/// [in mdlStart and mdlProcessParameters; host thread]
 ///
 /// @tparam Tc              data type of TForm, in which all but the sample number are registered
 /// @param maxSampleNum, confidence, disThr, breakPercentage  out; left alone when the parameter does not exist
@@ -32,7 +34,8 @@ void readRunTimeParams(sysobj::SysObjAdaptorSFun* S, std::uint32_t& maxSampleNum
         const int idx = rtpIndex(S, kind);
         if (idx == NONE) return;
         sysobj::bhUpdateDlgParamAsRunTimeParam(S, idx);
-        destination = *static_cast<decltype(&destination)>(const_cast<void*>(sysobj::GetRTPDataPtr(S, idx)));
+        using Value = std::remove_reference_t<decltype(destination)>;
+        destination = *static_cast<const Value*>(sysobj::GetRTPDataPtr(S, idx));
     };
     read(SAMPLENUM_RTP, maxSampleNum);
     read(CONFIDENCE_RTP, confidence);
@@ -41,7 +44,8 @@ void readRunTimeParams(sysobj::SysObjAdaptorSFun* S, std::uint32_t& maxSampleNum
 }
 
 /// Run-time side of the inlier output's size rule: n-by-1 or 1-by-n for the current number of pairs.
+/// [before mdlOutputs, once the input sizes of the step are known; host thread]
 void inlierDimsFromInput(sysobj::SysObjAdaptorSFun* S, int outputPort);
-/// The same rule stated to the code generator; inputPorts lists the rule's input ports.
+/// The same rule stated to the code generator; inputPorts lists the rule's input ports.  [code generation; host thread]
 void inlierDimsFromInputCG(sysobj::SysObjAdaptorSFun* S, CGIR_Block_IF* blockInterface, int outputPort,
                            const int* inputPorts);

@@ -59,7 +59,10 @@ TEST(InitializeSizes, StopsAtEveryRefusal)
 {
     const char* const setters[] = {"registerSFunctionParams", "bhSetNumInputPorts", "bhSetInputPortDimensionInfo",
                                    "bhSetNumOutputPorts", "bhSetOutputPortMatrixDimensions",
-                                   "bhSetOutputPortDimensionInfo", "bhSetNumDWork"};
+                                   "bhSetOutputPortDimensionInfo", "bhSetInputPortFrameData",
+                                   "bhSetInputPortDataType", "bhSetInputPortDimensionsMode",
+                                   "bhSetOutputPortFrameData", "bhSetOutputPortDataType",
+                                   "bhSetOutputPortDimensionsMode", "bhSetNumDWork"};
     for (const char* const setter : setters) {
         TracedBlock block;
         block->refuseCall(setter, 1);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "running_block.h"
+#include "szelesttform_scoring.h"
 #include "szelesttform_step.h"
 #include "traced_block.h"
 
@@ -36,10 +37,11 @@ struct ScriptedParts {
         EXPECT_LT(iteration, script.size()) << "more iterations than expected: " << log;
         return iteration < script.size() && !script[iteration++].empty();
     }
-    void computeDistances()
+    double computeDistances()
     {
         std::copy(script[iteration - 1].begin(), script[iteration - 1].end(), engine.distance);
         engine.tformCompact[0] = static_cast<double>(iteration);
+        return sumTruncatedDistances(engine.distance, engine.ptsNum, engine.disThr);
     }
     void writeTForm(const double* compact) { log += " w" + std::to_string(static_cast<int>(compact[0])); }
 };
@@ -143,6 +145,26 @@ TEST(Search, CarriesTheMedianIntoTheNextStep)
     ScriptedParts third{engine, {{}, {2, 2, 2, 2, 2, 2}}};
     engine.estimate(6, third);                           // not better: the step stays empty
     EXPECT_EQ(third.log, "sfsf");
+}
+
+/// A draw that fails leaves later positions as the last step left them; they must be pairs of this step all the same.
+TEST(Search, NeverSamplesAPairOfALongerStep)
+{
+    RunningBlock running(dialogValues({{0, 2}, {11, 0}}), sysobj::DT_DOUBLE, 9, true);
+    Engine& engine = running.engine<double, double>();
+    std::fill(engine.sampleIdx, engine.sampleIdx + 3, 8U);
+    struct FailedDraw : ScriptedParts {
+        bool drawSample()
+        {
+            EXPECT_LT(engine.sampleIdx[2], 4U);
+            log += 's';
+            return false;
+        }
+    } parts{{engine, {kFour, kFour}}};
+    engine.maxSampleNum = 1;
+    engine.loopNum = 1;
+    engine.estimate(4, parts);
+    EXPECT_EQ(parts.log.substr(0, 2), "sf");
 }
 
 TEST(Search, StartsAfreshWithEveryStep)

@@ -54,7 +54,7 @@ TYPED_TEST(PointsTest, NormalizesTheFourCorners)
     }
 }
 
-/// Centroid 0, mean distance sqrt(2), out = scale * (point - cents); integer points as the same real points, to the bit.
+/// Centroid 0, mean distance sqrt(2), out = scale * (point - cents); integer points as the same real points.
 TYPED_TEST(PointsTest, NormalizesSubsets)
 {
     using Ti = typename TypeParam::Ti;
@@ -72,7 +72,8 @@ TYPED_TEST(PointsTest, NormalizesSubsets)
         double sumDis = 0.0;
         for (int i = 0; i < n; ++i) {
             const Eigen::Vector2d out = pointOf(result.out, isInRows, n, i);
-            const Eigen::Vector2d point = pointOf(points, isInRows, spec.ptsNum, static_cast<int>(samples[std::size_t(i)]));
+            const auto sample = static_cast<int>(samples[std::size_t(i)]);
+            const Eigen::Vector2d point = pointOf(points, isInRows, spec.ptsNum, sample);
             sum += out;
             sumDis += out.norm();
             EXPECT_LE((out - double(result.scale) * (point - cents)).norm(), tolerance) << "point " << i;
@@ -86,7 +87,8 @@ TYPED_TEST(PointsTest, NormalizesSubsets)
 TYPED_TEST(PointsTest, CoincidentPointsLeaveScaleAlone)
 {
     using Tc = typename TypeParam::Tc;
-    const Normalized<Tc> result = normalize<Tc>(std::vector<typename TypeParam::Ti>{3, 8, 5, 6, 3, 8}, false, {0, 2, 0, 2});
+    const std::vector<typename TypeParam::Ti> points = {3, 8, 5, 6, 3, 8};
+    const Normalized<Tc> result = normalize<Tc>(points, false, {0, 2, 0, 2});
     EXPECT_EQ(result.scale, Tc(UNTOUCHED));
     EXPECT_EQ(result.out, std::vector<Tc>(8, Tc(0)));
 }

@@ -2,6 +2,9 @@
 
 #include "svdc.h"
 
+#include <algorithm>
+#include <tuple>
+
 #include "element_types.h"
 #include "test_matrices.h"
 
@@ -21,14 +24,16 @@ template <typename T>
 Decomposition decompose(const MatrixXd& matrix, bool wantVectors = true)
 {
     const int n = int(matrix.rows()), p = int(matrix.cols()), q = std::min(n, p);
-    std::vector<T> X = toArray<T>(matrix), s(std::size_t(p), T(0)), e = s, work(std::size_t(n), T(0));
+    std::vector<T> X = toArray<T>(matrix), work(X.size() / std::size_t(p));
+    std::vector<T> s(X.size() / std::size_t(n), T(UNTOUCHED)), e = s;
     std::vector<T> U(std::size_t(n * q), T(UNTOUCHED)), V(std::size_t(p * p), T(UNTOUCHED));
     const std::int32_t status = svdc(X.data(), n, p, s.data(), e.data(), work.data(), U.data(), V.data(), wantVectors);
     return {status, toMatrix(s, q, 1), toMatrix(U, n, q), toMatrix(V, p, p)};
 }
 
 /// The decomposition of X, and that of the values alone.
-void checkDecomposition(const MatrixXd& X, const Decomposition& d, const Decomposition& alone, const Precision& precision)
+void checkDecomposition(const MatrixXd& X, const Decomposition& d, const Decomposition& alone,
+                        const Precision& precision)
 {
     ASSERT_EQ(d.status, 0);
     const double tolerance = relativeTolerance(X, precision);
@@ -85,6 +90,16 @@ TYPED_TEST(SvdTest, DecomposesBidiagonals)
             this->check(X);
         }
     }
+}
+
+/// Up to the smallest normal number over eps a super-diagonal element is nothing, however small its neighbours are.
+TYPED_TEST(SvdTest, DropsSuperDiagonalsOfNoSize)
+{
+    using Limits = std::numeric_limits<TypeParam>;
+    const double unit = double(Limits::min() / Limits::epsilon());
+    const MatrixXd X = (MatrixXd(2, 2) << 1, 1, 0, 1).finished();
+    EXPECT_LE(std::abs(decompose<TypeParam>(0.9 * unit * X).s(0) - 0.9 * unit), 4 * this->precision.eps * unit);
+    EXPECT_GE(decompose<TypeParam>(4.0 * unit * X).s(0), 4.0 * unit * 1.5);
 }
 
 TYPED_TEST(SvdTest, LastColumnSpansTheNullSpace)

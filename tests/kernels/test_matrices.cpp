@@ -39,7 +39,9 @@ MatrixXd makeMatrix(Content content, Shape shape, const Precision& precision)
     case Content::RANDOM: break;
     case Content::ZERO: A.setZero(); break;
     case Content::ONES: A.setOnes(); break;
-    case Content::RANK_DEFICIENT: A = makeRandom(m, (q + 1) / 2, seed + 1) * makeRandom((q + 1) / 2, n, seed + 2); break;
+    case Content::RANK_DEFICIENT:
+        A = makeRandom(m, (q + 1) / 2, seed + 1) * makeRandom((q + 1) / 2, n, seed + 2);
+        break;
     case Content::ZERO_COLUMNS:
         for (int j = 0; j < n; j += 2) A.col(j).setZero();
         break;
@@ -91,7 +93,8 @@ double lackOfOrthonormality(const MatrixXd& Q)
 
 bool hasSameBits(const MatrixXd& A, const MatrixXd& B)
 {
-    return A.size() == B.size() && std::memcmp(A.data(), B.data(), static_cast<std::size_t>(A.size()) * sizeof(double)) == 0;
+    const auto byteNum = static_cast<std::size_t>(A.size()) * sizeof(double);
+    return A.size() == B.size() && std::memcmp(A.data(), B.data(), byteNum) == 0;
 }
 
 }  // namespace testsupport

@@ -21,7 +21,8 @@ struct Precision {
     template <typename T>
     static Precision of()
     {
-        return {sizeof(T) == 8, double(std::numeric_limits<T>::epsilon()), double(std::numeric_limits<T>::denorm_min())};
+        using Limits = std::numeric_limits<T>;
+        return {sizeof(T) == 8, double(Limits::epsilon()), double(Limits::denorm_min())};
     }
 };
 

@@ -14,7 +14,8 @@ std::string PointSetSpec::describe() const
 Eigen::Matrix3d makeTransformation(int sampleSize, SeededRandom& random)
 {
     Eigen::Matrix3d H = Eigen::Matrix3d::Identity();
-    H.topLeftCorner<2, 2>() = random.uniform(0.4, 0.6) * Eigen::Rotation2Dd(random.uniform(-3.1, 3.1)).toRotationMatrix();
+    const Eigen::Rotation2Dd turn(random.uniform(-3.1, 3.1));
+    H.topLeftCorner<2, 2>() = random.uniform(0.4, 0.6) * turn.toRotationMatrix();
     H(0, 2) = random.uniform(-5.0, 5.0);
     H(1, 2) = random.uniform(-5.0, 5.0);
     if (sampleSize > 2) H.col(1) = random.uniform(0.8, 1.0) * H.col(1) + random.uniform(-0.2, 0.2) * H.col(0);

@@ -17,7 +17,10 @@ namespace testsupport {
 class SeededRandom {
 public:
     explicit SeededRandom(std::uint32_t seed) : mEngine(seed) {}
-    double uniform(double low, double high) { return low + (high - low) * static_cast<double>(mEngine()) / 4294967296.0; }
+    double uniform(double low, double high)
+    {
+        return low + (high - low) * static_cast<double>(mEngine()) / 4294967296.0;
+    }
     std::int32_t below(std::int32_t num) { return static_cast<std::int32_t>(uniform(0.0, num)); }
 
 private:
@@ -38,8 +41,8 @@ struct PointSetSpec {
     std::string describe() const;
 };
 
-/// A transformation that keeps the square: a turn by any angle and a shrinking about the centre, with shear for an affine
-/// one and with perspective for a projective one. It acts on (a, b, 1)'; its last element is 1.
+/// A transformation that keeps the square: a turn by any angle and a shrinking about the centre, with shear for an
+/// affine one and with perspective for a projective one. It acts on (a, b, 1)'; its last element is 1.
 Eigen::Matrix3d makeTransformation(int sampleSize, SeededRandom& random);
 /// The same as a compact transformation, and back.
 std::vector<double> compactOf(int sampleSize, const Eigen::Matrix3d& H);
@@ -56,7 +59,8 @@ inline std::size_t elementOf(bool isInRows, int ptsNum, int i, int coordinate)
 template <typename T>
 Eigen::Vector2d pointOf(const std::vector<T>& pts, bool isInRows, int n, int i)
 {
-    return {static_cast<double>(pts[elementOf(isInRows, n, i, 0)]), static_cast<double>(pts[elementOf(isInRows, n, i, 1)])};
+    const auto at = [&](int coordinate) { return static_cast<double>(pts[elementOf(isInRows, n, i, coordinate)]); };
+    return {at(0), at(1)};
 }
 
 template <typename Ti>

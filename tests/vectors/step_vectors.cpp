@@ -53,7 +53,7 @@ struct CountingParts {
         failedFits += isOK ? 0 : 1;
         return isOK;
     }
-    void computeDistances() { parts.computeDistances(); }
+    Tc computeDistances() { return parts.computeDistances(); }
     void writeTForm(const Tc* compact) { parts.writeTForm(compact); }
 };
 

@@ -1,4 +1,4 @@
-#include "memory.h"
+#include "instance_memory.h"
 
 #include "data_types.h"
 
