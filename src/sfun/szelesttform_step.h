@@ -29,6 +29,27 @@ void estTForm<Ti, Tc>::estimate(std::int32_t currentPtsNum, Parts& parts)
     }
 }
 
+template <typename Ti, typename Tc>
+void estTForm<Ti, Tc>::clearOutputs()
+{
+    std::fill_n(tform, tformWidth(sampleSize), Tc(0));
+    if (isOutputInliers) std::fill_n(inlier, std::max(0, std::min(ptsNum, maxPtsNum)), std::uint8_t(0));
+}
+
+/// Where the first sample starts from: cyclic stepping from 0, 1, ...; random drawing from whatever the last step left,
+/// which shows only when a draw fails, and then must be a pair of this step.
+template <typename Ti, typename Tc>
+void estTForm<Ti, Tc>::startSampling()
+{
+    for (std::int32_t i = 0; i < sampleSize; ++i) {
+        if (!isRandomSampling) {
+            sampleIdx[i] = static_cast<std::uint32_t>(i);
+        } else if (sampleIdx[i] >= static_cast<std::uint32_t>(ptsNum)) {
+            sampleIdx[i] = 0;
+        }
+    }
+}
+
 /// One fit to all pairs, in order.
 template <typename Ti, typename Tc>
 template <typename Parts>
