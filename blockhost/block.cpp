@@ -56,6 +56,7 @@ struct Block::Impl {
     }
 
     void runSizeRules();
+    void requireParam(int idx) const;
     void changeRunning(int idx, double value);
 };
 
@@ -84,7 +85,13 @@ void Block::Impl::runSizeRules()
     }
 }
 
-/// A refused value is taken back; the block stays as it was.
+void Block::Impl::requireParam(int idx) const
+{
+    if (idx < 0 || static_cast<std::size_t>(idx) >= instance.params.size())
+        throw Error(ErrorKind::Usage, fmt::format("parameter {}: the block has {}", idx, instance.params.size()));
+}
+
+/// A value that mdlCheckParameters refuses is taken back; the block stays as it was.
 void Block::Impl::changeRunning(int idx, double value)
 {
     sysobj::yrArray& param = instance.params[static_cast<std::size_t>(idx)];
@@ -173,12 +180,11 @@ bool Block::start()
 
 void Block::open()
 {
-    initializeSizes();
-    checkParameters();
-    initializeSampleTimes();
-    propagate();
-    setWorkWidths();
-    start();
+    const bool isOpen = initializeSizes() && checkParameters() && initializeSampleTimes() && propagate() && setWorkWidths()
+                        && start();
+    if (!isOpen)
+        throw Error(ErrorKind::Usage, fmt::format("open called again (state: {}); a block is set up once, open another block",
+                                                  stateName(mImpl->lifecycle.state())));
 }
 
 bool Block::step()
@@ -222,10 +228,9 @@ bool Block::setParam(int idx, double value)
 {
     SysObjAdaptorSFun& S = mImpl->instance;
     const State state = mImpl->lifecycle.state();
-    if (idx < 0 || static_cast<std::size_t>(idx) >= S.params.size())
-        throw Error(ErrorKind::Usage, fmt::format("parameter {}: the block has {}", idx, S.params.size()));
+    mImpl->requireParam(idx);
     const auto param = static_cast<std::size_t>(idx);
-    if (state == State::Created || state == State::Sized) {
+    if (state == State::Created) {
         S.params[param].value = value;
         return true;
     }
@@ -253,7 +258,8 @@ State Block::state() const noexcept
 
 double Block::param(int idx) const
 {
-    return mImpl->instance.params.at(static_cast<std::size_t>(idx)).value;
+    mImpl->requireParam(idx);
+    return mImpl->instance.params[static_cast<std::size_t>(idx)].value;
 }
 
 const std::optional<esttform::Message>& Block::stepError() const noexcept
@@ -283,7 +289,7 @@ const std::vector<std::string>& Block::refusals() const noexcept
     return mImpl->instance.refusals;
 }
 
-void* Block::inputData(int port) noexcept
+void* Block::inputData(int port) const noexcept
 {
     const Port* const found = portAt(mImpl->instance.inputs, port);
     return found != nullptr ? found->buffer.data() : nullptr;

@@ -47,7 +47,7 @@ public:
     bool propagate();
     bool setWorkWidths();
     bool start();
-    /// All of the above.
+    /// All of the above. @throws Error (Usage) also for a block that was opened before
     void open();
 
     /// One step: size rules, then mdlOutputs. An error of the block is not thrown but kept in stepError.
@@ -62,10 +62,11 @@ public:
     /// @throws Error (Usage) before start, or for a size beyond the port's bound or, with a fixed size, other than it;
     ///         the instance goes on
     void setInputSize(int port, const Dims& size);
-    /// Changes a dialog value: before checkParameters any, while running a tunable one, which goes through
-    /// mdlCheckParameters and mdlProcessParameters.
+    /// Changes a dialog value: before initializeSizes any, since ports are declared from the values; while running a
+    /// tunable one, which goes through mdlCheckParameters and mdlProcessParameters.
     ///
-    /// @throws Error (Usage) if it may not change now, or the block refuses the value; the value in force stays
+    /// @throws Error (Usage) if it may not change now, or mdlCheckParameters refuses the value; the value in force stays.
+    ///               When mdlProcessParameters reports an error, the instance has failed.
     bool setParam(int idx, double value);
     /// Makes call number n, counted from 1, of a host function refuse; for tests. Only functions that can refuse by giving 0
     /// or false do; refusals() tells whether it came to that.
@@ -74,6 +75,7 @@ public:
     // ---- What there is to see
 
     State state() const noexcept;
+    /// Dialog value idx. @throws Error (Usage) for an index that the block does not have
     double param(int idx) const;
     /// Error of the last step.
     const std::optional<esttform::Message>& stepError() const noexcept;
@@ -83,7 +85,7 @@ public:
     /// Why setters refused, in order, since the set-up began.
     const std::vector<std::string>& refusals() const noexcept;
     /// Elements of a port from start on; null for a port that does not exist.
-    void* inputData(int port) noexcept;
+    void* inputData(int port) const noexcept;
     const void* outputData(int port) const noexcept;
     void clearOutputs() noexcept;
     /// Everything the host keeps of the block; block_instance.h declares it.

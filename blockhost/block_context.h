@@ -15,7 +15,7 @@ struct Signal {
     std::optional<int> typeId;
     std::optional<int> mode;     ///< a DimensionsMode
     int frameData = 0;           ///< 1 frame-based, 0 sample-based
-    const void* data = nullptr;  ///< inputs: elements that the block reads in place; null: a buffer of the host
+    const void* data = nullptr;  ///< inputs only: elements that the block reads in place; null: a buffer of the host
 };
 
 enum class Direction { In, Out };

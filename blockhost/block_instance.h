@@ -57,9 +57,9 @@ struct PendingError {
 
 /// The rule by which an output's current size follows the inputs.
 struct SizeRule {
-    std::vector<int> inputPorts;
+    std::vector<int> inputPorts;  ///< only recorded: the rule runs before every step
     decltype(sysobj::DimsDependInfo_T::setOutputDims) setOutputDims = nullptr;
-    decltype(sysobj::DimsDependInfo_T::setOutputDimsCG) setOutputDimsCG = nullptr;
+    decltype(sysobj::DimsDependInfo_T::setOutputDimsCG) setOutputDimsCG = nullptr;  ///< only recorded
 };
 
 /// One port: what the block declared, what propagation settled, what it is connected to, and its memory.
@@ -69,15 +69,17 @@ struct Port {
     int typeId = sysobj::DT_UNSET;
     int mode = sysobj::DIMS_MODE_UNSET;
     int frameData = -1;
+    std::optional<SizeRule> sizeRule;
+    Dims current;  ///< equal to dims unless the port has variable size
+    SignalBuffer buffer;
+
+    // ---- Settings that this host only records; current sizes are checked whether asked for or not
     int isComplex = 0;
     std::uint32_t optimOpts = 0;
     int hasFeedThrough = 0;
     int isOverWritable = 0;
     int isContiguous = 0;
     bool hasSizeChecker = false;
-    std::optional<SizeRule> sizeRule;
-    Dims current;  ///< equal to dims unless the port has variable size
-    SignalBuffer buffer;
 
     const void* data() const noexcept { return signal.data != nullptr ? signal.data : buffer.data(); }
 };
@@ -86,9 +88,11 @@ struct WorkVector {
     std::string name;
     int width = sysobj::DIMS_UNKNOWN;
     int typeId = sysobj::DT_UNSET;
+    SignalBuffer buffer;
+
+    // ---- Settings that this host only records
     int isComplex = 0;
     int usage = 0;
-    SignalBuffer buffer;
 };
 
 struct RunTimeParam {

@@ -1,4 +1,4 @@
-// Where the estimator finds its block when nobody says.
+// Where the estimator finds its block when nobody says. Looks at the environment and beside its own library; loads nothing.
 #pragma once
 
 #include <string>

@@ -4,9 +4,11 @@
 
 #include "dims.h"
 
+#include <exception>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace blockhost {
 
@@ -51,31 +53,45 @@ public:
 
     /// A call without result: "name(arg, arg)".
     template <typename... Args>
-    void call(std::string_view name, const Args&... args)
+    void call(std::string_view name, const Args&... args) noexcept
     {
-        if (isOn()) {
-            begin(name, args...);
-            finish();
-        }
+        write([&] { begin(name, args...); });
     }
 
     /// A call with result: "name(arg, arg) -> result".
     template <typename Result, typename... Args>
-    void callWithResult(const Result& result, std::string_view name, const Args&... args)
+    void callWithResult(const Result& result, std::string_view name, const Args&... args) noexcept
     {
-        if (isOn()) {
+        write([&] {
             begin(name, args...);
             mLine += " -> ";
             append(result);
-            finish();
-        }
+        });
     }
 
     /// Lines until the matching leave are nested one level deeper.
     void enter() noexcept { ++mDepth; }
     void leave() noexcept { --mDepth; }
 
+    /// What a line failed with, once; null when nothing did. The trace is off from the failure on.
+    std::exception_ptr takeFailure() noexcept { return std::exchange(mFailure, nullptr); }
+
 private:
+    /// Builds a line and delivers it. A failure is kept, so that the traced call and its result go on.
+    template <typename Build>
+    void write(Build build) noexcept
+    {
+        if (!isOn())
+            return;
+        try {
+            build();
+            mSink(mLine);
+        } catch (...) {
+            mFailure = std::current_exception();
+            mSink = nullptr;
+        }
+    }
+
     template <typename... Args>
     void begin(std::string_view name, const Args&... args)
     {
@@ -84,7 +100,6 @@ private:
         ((mLine += separator, append(args), separator = ", "), ...);
         mLine += ')';
     }
-    void finish() { mSink(mLine); }
 
     void append(bool value);
     void append(int value);
@@ -99,6 +114,7 @@ private:
     void append(const resource_core::BaseMsgID& message);
 
     TraceSink mSink;
+    std::exception_ptr mFailure;
     std::string mLine;
     int mDepth = 0;
 };

@@ -24,6 +24,18 @@ namespace {
     }
 }
 
+/// Makes a failure of the trace a fault of the instance.
+void recordTraceFailure(sysobj::SysObjAdaptorSFun& S, const std::exception_ptr& failure) noexcept
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& exception) {
+        S.recordFault(fmt::format("trace sink failed: {}", exception.what()));
+    } catch (...) {
+        S.recordFault("trace sink failed");
+    }
+}
+
 }  // namespace
 
 CallbackScope::CallbackScope(sysobj::SysObjAdaptorSFun& S, Phase phase) noexcept
@@ -55,6 +67,8 @@ void recordEscapedException(sysobj::SysObjAdaptorSFun& S, const char* name) noex
 std::optional<PendingError> finishCallback(sysobj::SysObjAdaptorSFun& S, const char* name)
 {
     S.checkGuardZones(name);
+    if (const std::exception_ptr failure = S.trace.takeFailure())
+        recordTraceFailure(S, failure);
     std::optional<PendingError> error = std::move(S.pendingError);
     S.pendingError.reset();
     if (S.fault)

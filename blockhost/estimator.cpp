@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <limits>
 
 namespace esttform {
@@ -147,8 +148,7 @@ struct Estimator::Impl {
         if (isVariableSize)
             for (const int port : {PTS1_PORT, PTS2_PORT})
                 block.setInputSize(port, sizeOfPoints(layout, ptsNum));
-        if (!block.step())
-            throw Error(ErrorKind::Usage, "step: the block has failed before; open another estimator");
+        block.step();
 
         result.ptsNum = ptsNum;
         result.error = block.stepError();
@@ -163,18 +163,43 @@ struct Estimator::Impl {
         return result;
     }
 
-    /// Copies the points of one input unless they are there already.
-    void takePoints(int port, const void* points, const void* bound, std::int32_t ptsNum)
+    /// True for an address within an input buffer of the block.
+    bool isInBuffer(int port, const void* address) const noexcept
     {
-        void* const input = block.inputData(port);
-        if (ptsNum == 0 || (points != nullptr && (points == input || points == bound)))
+        const auto* const first = static_cast<const char*>(block.inputData(port));
+        if (first == nullptr)
+            return false;
+        const char* const end = first + 2 * static_cast<std::size_t>(maxPtsNum) * sizeOf(pointsType);
+        const std::less<const void*> isBefore;
+        return !isBefore(address, first) && isBefore(address, end);
+    }
+
+    /// True when the points of an input need no copy: there are none, or they are where the block reads them.
+    bool isInPlace(int port, const void* points, const void* bound, std::int32_t ptsNum) const noexcept
+    {
+        return ptsNum == 0 || (points != nullptr && (points == block.inputData(port) || points == bound));
+    }
+
+    void checkPoints(int port, const void* points, const void* bound, std::int32_t ptsNum) const
+    {
+        if (isInPlace(port, points, bound, ptsNum))
             return;
         if (points == nullptr)
             throw Error(ErrorKind::Usage, fmt::format("step: got no array for pts{}, expected {} point pairs", port + 1, ptsNum));
         if (bound != nullptr)
             throw Error(ErrorKind::Usage, "step: got other arrays than those named at opening, which the block reads in "
                                           "place; write the points there");
-        std::memcpy(input, points, 2 * static_cast<std::size_t>(ptsNum) * sizeOf(pointsType));
+        if (isInBuffer(PTS1_PORT, points) || isInBuffer(PTS2_PORT, points))
+            throw Error(ErrorKind::Usage, fmt::format("step: the array for pts{0} lies inside the estimator's buffers; expected "
+                                                      "pts{0}Buffer() or another array",
+                                                      port + 1));
+    }
+
+    /// Copies the points of one input, which passed checkPoints, unless they are there already.
+    void takePoints(int port, const void* points, const void* bound, std::int32_t ptsNum) noexcept
+    {
+        if (!isInPlace(port, points, bound, ptsNum))
+            std::memcpy(block.inputData(port), points, 2 * static_cast<std::size_t>(ptsNum) * sizeOf(pointsType));
     }
 };
 
@@ -192,17 +217,29 @@ Estimator::Estimator(Estimator&&) noexcept = default;
 Estimator& Estimator::operator=(Estimator&&) noexcept = default;
 Estimator::~Estimator() = default;
 
+Estimator::Impl& Estimator::usable() const
+{
+    if (!mImpl)
+        throw Error(ErrorKind::Usage, "estimator was moved from; open another one");
+    if (mImpl->block.state() != blockhost::State::Running)
+        throw Error(ErrorKind::Usage, "the estimator has failed before; open another one");
+    return *mImpl;
+}
+
 const StepResult& Estimator::step(const void* pts1, const void* pts2, std::int32_t ptsNum)
 {
-    mImpl->checkPtsNum(ptsNum);
-    mImpl->takePoints(PTS1_PORT, pts1, mImpl->boundPts1, ptsNum);
-    mImpl->takePoints(PTS2_PORT, pts2, mImpl->boundPts2, ptsNum);
-    return mImpl->step(ptsNum);
+    Impl& impl = usable();
+    impl.checkPtsNum(ptsNum);
+    impl.checkPoints(PTS1_PORT, pts1, impl.boundPts1, ptsNum);
+    impl.checkPoints(PTS2_PORT, pts2, impl.boundPts2, ptsNum);
+    impl.takePoints(PTS1_PORT, pts1, impl.boundPts1, ptsNum);
+    impl.takePoints(PTS2_PORT, pts2, impl.boundPts2, ptsNum);
+    return impl.step(ptsNum);
 }
 
 const StepResult& Estimator::step(std::int32_t ptsNum)
 {
-    return mImpl->step(ptsNum);
+    return usable().step(ptsNum);
 }
 
 void* Estimator::pts1Buffer() noexcept
@@ -217,9 +254,9 @@ void* Estimator::pts2Buffer() noexcept
 
 void Estimator::setParam(int index, double value)
 {
-    if (!mImpl->block.setParam(index, value))
-        throw Error(ErrorKind::Usage, "setParam: the block has failed before; open another estimator");
-    mImpl->params[static_cast<std::size_t>(index)] = value;
+    Impl& impl = usable();
+    impl.block.setParam(index, value);
+    impl.params[static_cast<std::size_t>(index)] = value;
 }
 
 void Estimator::seed(unsigned value) noexcept

@@ -106,7 +106,8 @@ struct Message {
 
 // ---- Estimation
 
-/// Outcome of one step. Pointers stay valid until the estimator's next step.
+/// Outcome of one step. Its pointers, also those of a copy, refer to the estimator's buffers: the next step overwrites what
+/// they show, and they end with the estimator.
 struct StepResult {
     std::int32_t ptsNum = 0;               ///< point pairs of the step
     DataType tformType = DataType::Double; ///< Double or Single
@@ -118,7 +119,7 @@ struct StepResult {
     std::vector<Message> warnings;         ///< one entry per identifier
     std::optional<Message> error;          ///< set: the block refused the step; TForm and mask are all zero
 
-    /// Element of TForm, widened without loss.
+    /// Element of TForm, widened without loss; row from 0 to tformRows - 1, col from 0 to tformCols - 1, unchecked.
     ESTTFORM_API double tform(int row, int col) const noexcept;
     /// False when every element of TForm is zero: no transformation was found.
     ESTTFORM_API bool isFound() const noexcept;
@@ -132,16 +133,19 @@ struct Options {
     bool isVariableSize = false;
     /// Seeds the C library's generator after start; empty: the block's own seed, the processor time.
     std::optional<unsigned> seed;
-    /// Arrays that the block reads in place instead of the estimator's own, for the life of the estimator. Both or none.
+    /// Arrays that the block reads in place instead of the estimator's own, for the life of the estimator. Both or none;
+    /// 2*maxPtsNum elements each, aligned for an element. A step of n points reads the first 2*n; in rows the y follow
+    /// the n x at once.
     const void* pts1 = nullptr;
     const void* pts2 = nullptr;
-    /// Receives one line per callback and host call, without line end.
+    /// Receives one line per callback and host call, without line end; called by the estimator's destructor too.
     std::function<void(std::string_view line)> trace;
 };
 
 /// One running block: opened by the constructor, stepped as often as wanted, closed by the destructor.
 ///
-/// Not for use from two threads at once: blocks share the C library's rand. Move-only.
+/// Not for use from two threads at once: blocks share the C library's rand. Move-only: of an estimator that was moved from,
+/// step and setParam throw an Error (Usage); its other methods, seed apart, must not be called.
 class ESTTFORM_API Estimator {
 public:
     /// Opens a block for steps of up to maxPtsNum point pairs.
@@ -157,11 +161,14 @@ public:
 
     /// One estimation over ptsNum point pairs in the block's layout and points type.
     ///
-    /// The points are copied into the block's inputs, except where pts1 and pts2 are pts1Buffer() and pts2Buffer().
+    /// The points are copied into the block's inputs, except where pts1 is pts1Buffer() or pts2 is pts2Buffer(). Arrays
+    /// elsewhere inside these two buffers are refused.
     /// Allocates nothing unless the block reports something. A refused step is reported in the result, not thrown.
     ///
     /// @param pts1, pts2  in, 2*ptsNum elements each
-    /// @throws Error (Usage) if ptsNum is negative, above maxPtsNum, or not maxPtsNum for an estimator of fixed size
+    /// @throws Error  Usage: ptsNum is negative, above maxPtsNum, or not maxPtsNum for an estimator of fixed size; an array
+    ///                is null, lies inside the buffers, or is not the one that Options names; the estimator has failed
+    ///                before or was moved from. Internal: the system is at fault, and the estimator has failed.
     const StepResult& step(const void* pts1, const void* pts2, std::int32_t ptsNum);
     /// The same over points that the caller wrote to pts1Buffer() and pts2Buffer(), or whose arrays Options names.
     const StepResult& step(std::int32_t ptsNum);
@@ -173,7 +180,8 @@ public:
     /// Changes a dialog value between steps.
     ///
     /// @throws Error (Usage) if the parameter is not tunable with the present settings, or the value is refused;
-    ///               the value in force stays
+    ///               the value in force stays. Also if the estimator was moved from or has failed before; it fails
+    ///               here when the block cannot take over a value that passed its check.
     void setParam(int index, double value);
 
     /// Seeds the C library's process-wide generator, which random sampling draws from.
@@ -186,6 +194,9 @@ public:
 
 private:
     struct Impl;
+    /// @throws Error (Usage) if the estimator was moved from or has failed
+    Impl& usable() const;
+
     std::unique_ptr<Impl> mImpl;
 };
 

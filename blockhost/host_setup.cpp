@@ -10,12 +10,16 @@ namespace {
 int createPorts(sysobj::SysObjAdaptorSFun* S, int num, const char* direction, const std::vector<Signal>& signals,
                 std::vector<Port>& ports, bool& hasNum)
 {
+    const bool isOutput = &ports == &S->outputs;
     if (num < 0)
         return S->refuse(fmt::format("{} {} ports: the number is negative", num, direction));
     if (hasNum)
         return S->refuse(fmt::format("the number of {} ports was declared already: {}", direction, ports.size()));
     if (signals.size() > static_cast<std::size_t>(num))
         return S->refuse(fmt::format("{} {} ports declared, but signals are connected to {}", num, direction, signals.size()));
+    for (std::size_t i = 0; isOutput && i < signals.size(); ++i)
+        if (signals[i].data != nullptr)
+            return S->refuse(fmt::format("output port {}: got an array, expected none; the host keeps the elements", i));
     hasNum = true;
     ports = std::vector<Port>(static_cast<std::size_t>(num));
     for (std::size_t i = 0; i < signals.size(); ++i)
@@ -197,9 +201,15 @@ const yrArray* bhGetSFcnParam(SysObjAdaptorSFun* S, int idx) noexcept
 
 const double* bhGetArrayReal(const yrArray* value) noexcept
 {
-    if (SysObjAdaptorSFun* const S = runningInstance(); S != nullptr && S->trace.isOn())
-        hostCall(
-            S, __func__, ANY_CALLBACK, [&] { return value->value; }, NameText{S->nameOf(value)});
+    const char* const function = __func__;
+    if (SysObjAdaptorSFun* const S = runningInstance(); S != nullptr && S->trace.isOn()) {
+        try {
+            hostCall(
+                S, function, ANY_CALLBACK, [&] { return value->value; }, NameText{S->nameOf(value)});
+        } catch (...) {
+            S->recordFault(std::current_exception());
+        }
+    }
     return &value->value;
 }
 

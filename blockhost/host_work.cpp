@@ -147,12 +147,19 @@ void bhAddOutputDimsDependencyRule(SysObjAdaptorSFun* S, int outputPort, const D
         Port* const port = S->output(outputPort, function);
         if (port == nullptr)
             return;
-        if (rule == nullptr || rule->setOutputDims == nullptr || rule->inputPortNum < 0)
+        if (rule == nullptr || rule->setOutputDims == nullptr)
             return S->recordFault(fmt::format("{}: the rule of output port {} has no function", function, outputPort));
+        if (rule->inputPortNum < 0)
+            return S->recordFault(fmt::format("{}: the rule of output port {} depends on {} input ports, expected 0 or more",
+                                              function, outputPort, rule->inputPortNum));
+        if (rule->inputPorts == nullptr && rule->inputPortNum > 0)
+            return S->recordFault(fmt::format("{}: the rule of output port {} depends on {} input ports and has no list of them",
+                                              function, outputPort, rule->inputPortNum));
         port->sizeRule.emplace();
         port->sizeRule->setOutputDims = rule->setOutputDims;
         port->sizeRule->setOutputDimsCG = rule->setOutputDimsCG;
-        port->sizeRule->inputPorts.assign(rule->inputPorts, rule->inputPorts + rule->inputPortNum);
+        if (rule->inputPortNum > 0)
+            port->sizeRule->inputPorts.assign(rule->inputPorts, rule->inputPorts + rule->inputPortNum);
     };
     hostCall(S, function, WORK_WIDTHS, body, outputPort);
 }

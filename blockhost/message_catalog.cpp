@@ -10,7 +10,7 @@ namespace {
 
 struct Entry {
     const char* id;
-    const char* text;  ///< {0} to {3} stand for the arguments
+    const char* text;  ///< {0} stands for the argument
 };
 
 constexpr Entry TEXTS[] = {
@@ -49,7 +49,7 @@ const char* find(const Entry (&entries)[N], const char* id) noexcept
 std::string messageText(const resource_core::BaseMsgID& message)
 {
     if (const char* const text = find(TEXTS, message.id()))
-        return fmt::format(fmt::runtime(text), message.arg(0), message.arg(1), message.arg(2), message.arg(3));
+        return fmt::format(fmt::runtime(text), message.arg(0));
     std::string text = message.id();
     for (int i = 0; i < message.argNum(); ++i)
         text += (i == 0 ? ": " : ", ") + std::to_string(message.arg(i));

@@ -1,7 +1,6 @@
+#include "data_types.h"
 #include "host_call.h"
 #include "message_catalog.h"
-
-#include "data_types.h"
 
 #include <fmt/format.h>
 

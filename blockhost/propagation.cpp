@@ -43,6 +43,29 @@ std::string connectedText(const Signal& signal, Attribute attribute)
     return "";
 }
 
+/// A port's mode, else that of the connected signal, else unset.
+int modeOf(const Port& port) noexcept
+{
+    return port.mode != sysobj::DIMS_MODE_UNSET ? port.mode : port.signal.mode.value_or(sysobj::DIMS_MODE_UNSET);
+}
+
+/// The first two inputs whose modes contradict each other, which keeps a block from settling any; empty when none do.
+std::string contradictingModes(const std::vector<Port>& inputs)
+{
+    int first = -1;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        const int mode = modeOf(inputs[i]);
+        if (mode == sysobj::DIMS_MODE_UNSET)
+            continue;
+        if (first < 0)
+            first = static_cast<int>(i);
+        else if (const int other = modeOf(inputs[static_cast<std::size_t>(first)]); other != mode)
+            return fmt::format("input port {} is {}, input port {} is {}; both must have one mode", first, modeName(other), i,
+                               modeName(mode));
+    }
+    return "";
+}
+
 /// True when a settled attribute is not what the connected signal has.
 bool differs(const Port& port, Attribute attribute) noexcept
 {
@@ -213,13 +236,15 @@ private:
                     if (!isStillOpen && !differs(*port, attribute))
                         continue;
                     const std::string connected = connectedText(port->signal, attribute);
+                    const std::string modes = attribute == Attribute::Mode ? contradictingModes(mInstance.inputs) : "";
                     throw esttform::Error(
                         esttform::ErrorKind::Usage,
                         fmt::format("{} port {}: {} {}; {}", direction == Direction::In ? "input" : "output", i,
                                     NAMES[static_cast<std::size_t>(attribute)],
                                     isStillOpen ? "is still open" : "is not that of the connected signal",
-                                    connected.empty() ? "connect a signal that has it"
-                                                      : "the connected signal is " + connected));
+                                    !modes.empty()      ? modes
+                                    : connected.empty() ? "connect a signal that has it"
+                                                        : "the connected signal is " + connected));
                 }
     }
 

@@ -6,19 +6,19 @@
 
 namespace resource_core {
 
-/// A catalogue message: identifier and up to four integer arguments. A small value, nothing is allocated.
+/// A catalogue message: identifier and at most one integer argument. A small value, nothing is allocated.
 class BaseMsgID {
 public:
-    static constexpr int MAX_ARG_NUM = 4;
+    static constexpr int MAX_ARG_NUM = 1;
 
     /// @param id  identifier; a string literal, kept by address
     constexpr explicit BaseMsgID(const char* id) noexcept : mId(id) {}
-    /// @param arg  first argument of the message
+    /// @param arg  the argument of the message
     constexpr BaseMsgID(const char* id, std::int32_t arg) noexcept : mId(id), mArgs{arg}, mArgNum(1) {}
 
     constexpr const char* id() const noexcept { return mId; }
     constexpr int argNum() const noexcept { return mArgNum; }
-    /// Argument idx, counted from 0.
+    /// Argument idx, counted from 0, below MAX_ARG_NUM; 0 when the message has none.
     constexpr std::int32_t arg(int idx) const noexcept { return mArgs[idx]; }
 
 private:

@@ -1,5 +1,6 @@
 // What a block calls while it runs: signals, work vectors, current sizes, its own pointer, pending errors.
-// Every buffer is contiguous, stored column by column, 64-byte aligned, and keeps its address from start to terminate.
+// Every buffer is contiguous, stored column by column, 64-byte aligned (an input that the host reads in place from an array
+// of its own only for an element), and keeps its address from start to terminate.
 #pragma once
 
 #include "block_types.h"
@@ -9,6 +10,8 @@ namespace sysobj {
 extern "C" {
 
 // ---- Buffers  [from mdlStart to mdlTerminate; host thread]
+// An index that does not exist, or a call at another time, gives null and is a fault: the host ends the block after the
+// callback.
 
 /// Elements of input port `port` in the port's data type; the block only reads them.
 const void* bhGetInputPortSignal(SysObjAdaptorSFun* S, int port) noexcept;

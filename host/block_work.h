@@ -11,7 +11,7 @@ namespace sysobj {
 /// How the current size of an output port follows the current sizes of inputs.
 /// Both functions stay callable until terminate; the arrays are copied by the host.
 struct DimsDependInfo_T {
-    const int* inputPorts;  ///< input ports that the output's size depends on
+    const int* inputPorts;  ///< input ports that the output's size depends on; null only for none
     int inputPortNum;       ///< number of entries of inputPorts
     /// Sets the current dimensions of outputPort from the current dimensions of the inputs.
     /// Called before every mdlOutputs once the input sizes are known.

@@ -33,6 +33,10 @@ const BreachCase BREACH_CASES[] = {
      "mdlTerminate"},
     {{"portsTooLate"}, fake::PORTS_TOO_LATE, ErrorKind::Internal,
      "bhSetNumInputPorts called in mdlStart, expected in mdlInitializeSizes"},
+    {{"ruleWithoutList"}, fake::RULE_WITHOUT_LIST, ErrorKind::Internal,
+     "bhAddOutputDimsDependencyRule: the rule of output port 0 depends on 2 input ports and has no list of them"},
+    {{"ruleOfMinusOne"}, fake::RULE_OF_MINUS_ONE, ErrorKind::Internal,
+     "bhAddOutputDimsDependencyRule: the rule of output port 0 depends on -1 input ports, expected 0 or more"},
     {{"exceptionOut"}, fake::THROW_IN_START, ErrorKind::Internal, "mdlStart let an exception out: out of ideas"},
 };
 

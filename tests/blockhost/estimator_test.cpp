@@ -167,7 +167,7 @@ TEST(EstimatorTest, RefusedStepGivesZeroOutputsAndTheNextOneRuns)
     expectShift(estimator.step(pts1.data(), pts2.data(), PTS_NUM), Layout::Columns);
 }
 
-TEST(EstimatorTest, SizesOutsideOfTheEstimatorAreRefused)
+TEST(EstimatorTest, SizesAndArraysThatDoNotFitAreRefused)
 {
     const Settings settings = settingsOf(Layout::Columns, DataType::Double, DataType::Double);
     const auto points = pointsOf<double>(1, Layout::Columns, 20);
@@ -180,12 +180,34 @@ TEST(EstimatorTest, SizesOutsideOfTheEstimatorAreRefused)
     EXPECT_EQ(fake::errorOf([&] { variable.step(-1); }, ErrorKind::Usage), "step: got -1 point pairs, expected 0 to 12");
     EXPECT_EQ(fake::errorOf([&] { fixed.step(points.data(), nullptr, PTS_NUM); }, ErrorKind::Usage),
               "step: got no array for pts2, expected 12 point pairs");
-    EXPECT_NO_THROW(fixed.step(points.data(), points.data(), PTS_NUM));
+    auto* const own1 = static_cast<double*>(fixed.pts1Buffer());
+    auto* const own2 = static_cast<double*>(fixed.pts2Buffer());
+    EXPECT_EQ(fake::errorOf([&] { fixed.step(own2, own1, PTS_NUM); }, ErrorKind::Usage),
+              "step: the array for pts1 lies inside the estimator's buffers; expected pts1Buffer() or another array");
+    EXPECT_NE(fake::errorOf([&] { fixed.step(own1, own2 + 2 * PTS_NUM - 1, PTS_NUM); }, ErrorKind::Usage), "");
+    EXPECT_NO_THROW(fixed.step(own1, own2, PTS_NUM));
 
     Options options;
     options.pts1 = options.pts2 = points.data();
     Estimator bound(settings, PTS_NUM, options);
     EXPECT_NE(fake::errorOf([&] { bound.step(points.data() + 2, points.data(), PTS_NUM); }, ErrorKind::Usage), "");
+}
+
+TEST(EstimatorTest, MovedFromOrFailedOneSaysSo)
+{
+    Options options = seeded();
+    options.trace = [](std::string_view line) {
+        if (line == "mdlOutputs()")
+            throw std::runtime_error("disk is full");
+    };
+    Estimator first(Settings{}, PTS_NUM, options);
+    Estimator second = std::move(first);
+    const char* const moved = "estimator was moved from; open another one";
+    EXPECT_EQ(fake::errorOf([&] { first.step(PTS_NUM); }, ErrorKind::Usage), moved);
+    EXPECT_EQ(fake::errorOf([&] { first.setParam(3, 1); }, ErrorKind::Usage), moved);
+    EXPECT_EQ(fake::errorOf([&] { second.step(PTS_NUM); }, ErrorKind::Internal), "trace sink failed: disk is full");
+    EXPECT_EQ(fake::errorOf([&] { second.step(PTS_NUM); }, ErrorKind::Usage),
+              "the estimator has failed before; open another one");
 }
 
 TEST(EstimatorTest, WarningsOfAStepAreCountedAndDoNotReturn)

@@ -201,8 +201,10 @@ FAKE_EXPORT void mdlSetWorkWidths(SysObjAdaptorSFun* S)
     if (!isAsked(S, fake::NO_WORK_WIDTH))
         bhSetDWorkWidth(S, 0, fake::SCRATCH_WIDTH);
     const int inputPorts[] = {0, 1};
-    const DimsDependInfo_T rule{inputPorts, 2, setOutputSize, nullptr};
-    if (bhGetInputPortDimensionsMode(S, 0) == DIMS_MODE_VARIABLE)
+    const bool hasList = !isAsked(S, fake::RULE_WITHOUT_LIST);
+    const bool isNegative = isAsked(S, fake::RULE_OF_MINUS_ONE);
+    const DimsDependInfo_T rule{hasList ? inputPorts : nullptr, isNegative ? -1 : 2, setOutputSize, nullptr};
+    if (bhGetInputPortDimensionsMode(S, 0) == DIMS_MODE_VARIABLE || !hasList || isNegative)
         bhAddOutputDimsDependencyRule(S, 0, &rule);
 }
 

@@ -3,7 +3,9 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 
 using blockhost::Block;
 using esttform::ErrorKind;
@@ -29,6 +31,20 @@ TEST(BlockLibraryTest, LoadErrorsCarryTheReason)
     EXPECT_EQ(loadError(FAKE_UNDEFINED_SYMBOL),
               std::string(FAKE_UNDEFINED_SYMBOL) + ": cannot load: undefined symbol: bhNoHostHasThis");
     EXPECT_EQ(loadError(""), "block: cannot load: no path was given");
+}
+
+TEST(BlockLibraryTest, CutOffFileIsRefusedAndNotMapped)
+{
+    const std::string path = ::testing::TempDir() + "cut_off_block.so";
+    std::ifstream whole(FAKE_BLOCK, std::ios::binary);
+    std::string bytes(4096, '\0');
+    ASSERT_TRUE(whole.read(bytes.data(), 4096));
+    std::ofstream(path, std::ios::binary) << bytes;
+    EXPECT_EQ(loadError(path).rfind(path + ": cannot load: file is cut off: 4096 bytes, its contents need ", 0), 0U);
+    bytes[18] = 0x7F;  // the low byte of e_machine
+    std::ofstream(path, std::ios::binary) << bytes << whole.rdbuf();
+    EXPECT_NE(loadError(path).find("; the file is there: is it built for this machine?"), std::string::npos);
+    std::remove(path.c_str());
 }
 
 TEST(BlockLibraryTest, NameWithoutSlashIsAFileOfTheCurrentFolder)

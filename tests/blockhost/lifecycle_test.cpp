@@ -84,10 +84,13 @@ TEST(LifecycleTest, SampleTimesMayComeLateButBeforeStart)
     EXPECT_TRUE(block.start());
 }
 
-TEST(LifecycleTest, NothingFollowsTerminate)
+TEST(LifecycleTest, NothingFollowsTerminateAndNobodyOpensTwice)
 {
     Block block(fake::setupOf(fake::NONE));
     block.open();
+    EXPECT_THROW(block.open(), esttform::Error);
+    EXPECT_EQ(fake::errorOf([&] { block.open(); }, ErrorKind::Usage),
+              "open called again (state: running); a block is set up once, open another block");
     EXPECT_TRUE(block.terminate());
     EXPECT_EQ(fake::errorOf([&] { block.step(); }, ErrorKind::Usage),
               "mdlOutputs called after mdlTerminate (state: terminated); open another block");

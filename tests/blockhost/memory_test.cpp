@@ -76,6 +76,11 @@ TEST(MemoryTest, CallersArrayIsReadInPlace)
     Block misaligned(setup);
     EXPECT_EQ(fake::errorOf([&] { misaligned.open(); }, ErrorKind::Usage),
               "input 0: the array is not aligned for double; expected a multiple of 8 bytes");
+
+    setup.outputs.emplace_back().data = points;
+    Block writing(setup);
+    EXPECT_EQ(fake::errorOf([&] { writing.open(); }, ErrorKind::Usage),
+              "mdlInitializeSizes stopped: output port 0: got an array, expected none; the host keeps the elements");
 }
 
 TEST(MemoryTest, CurrentSizesFollowTheInputsWithinTheirBound)

@@ -92,14 +92,17 @@ TEST(TunableTest, OthersAreRefusedWithWhatToDo)
     EXPECT_EQ(fake::errorOf([&] { block.setParam(fake::CHECKBOX_PARAM, 0.0); }, ErrorKind::Usage),
               "box: cannot change while the block runs (tunable only when the moon is full); open the block anew with it");
     EXPECT_EQ(fake::errorOf([&] { block.setParam(4, 0.0); }, ErrorKind::Usage), "parameter 4: the block has 4");
+    EXPECT_EQ(fake::errorOf([&] { block.param(-1); }, ErrorKind::Usage), "parameter -1: the block has 4");
     EXPECT_EQ(block.param(fake::CHECKBOX_PARAM), 1.0);
     EXPECT_EQ(gainOf(block), 3.0);
 }
 
-TEST(TunableTest, CheckedValuesStayUntilStart)
+TEST(TunableTest, ValuesThatDeclaredThePortsStayUntilStart)
 {
     Block block(fake::setupOf(fake::NONE));
     block.initializeSizes();
+    EXPECT_EQ(fake::errorOf([&] { block.setParam(fake::CHECKBOX_PARAM, 0.0); }, ErrorKind::Usage),
+              "mdlProcessParameters called before mdlStart (state: sized); call start() first");
     block.checkParameters();
     EXPECT_EQ(fake::errorOf([&] { block.setParam(fake::GAIN_PARAM, -1.0); }, ErrorKind::Usage),
               "mdlProcessParameters called before mdlStart (state: checked); call start() first");

@@ -101,7 +101,7 @@ const ClashCase CLASH_CASES[] = {
     {{"typesDiffer"}, fake::NONE, {signalOf(OPEN, DT_DOUBLE, OPEN), signalOf(OPEN, DT_SINGLE, OPEN)}, NOTHING,
      "propagation stopped: input port 1: data type double refused: connected signal is single"},
     {{"modesDiffer"}, fake::NONE, {signalOf(OPEN, OPEN, DIMS_MODE_FIXED), signalOf(OPEN, OPEN, DIMS_MODE_VARIABLE)}, NOTHING,
-     "output port 0: dimensions mode is still open; connect a signal that has it"},
+     "output port 0: dimensions mode is still open; input port 0 is fixed, input port 1 is variable; both must have one mode"},
     {{"typeNotSupported"}, fake::NONE, {signalOf(OPEN, DT_INT8, OPEN), NOTHING}, NOTHING,
      "In: got data type int8, expected one of double, single"},
     {{"outputWantsAnotherSize"}, fake::NONE, {signalOf(Dims{8, 2}, OPEN, OPEN), NOTHING}, signalOf(Dims{9, 2}, OPEN, OPEN),

@@ -95,16 +95,19 @@ TEST(TraceTest, SameRunGivesTheSameText)
     EXPECT_EQ(traceOf(fake::NONE, sysobj::DIMS_MODE_VARIABLE), traceOf(fake::NONE, sysobj::DIMS_MODE_VARIABLE));
 }
 
-TEST(TraceTest, FailingSinkBecomesAnError)
+TEST(TraceTest, FailingSinkBecomesAnErrorAndTheCallGoesOn)
 {
-    auto setup = fake::setupOf(fake::NONE);
-    setup.trace = [](std::string_view line) {
-        if (line.find("bhSetNumDWork(-1)") != std::string_view::npos)
-            throw std::runtime_error("disk is full");
-    };
-    Block block(setup);
-    EXPECT_EQ(fake::errorOf([&] { block.initializeSizes(); }, esttform::ErrorKind::Internal),
-              "the host failed in mdlInitializeSizes: disk is full");
+    for (const char* const failing : {"mdlInitializeSizes()", "bhSetNumInputPorts(2)"}) {
+        auto setup = fake::setupOf(fake::NONE);
+        setup.trace = [failing](std::string_view line) {
+            if (line.find(failing) != std::string_view::npos)
+                throw std::runtime_error("disk is full");
+        };
+        Block block(setup);
+        EXPECT_EQ(fake::errorOf([&] { block.initializeSizes(); }, esttform::ErrorKind::Internal),
+                  "trace sink failed: disk is full");
+        EXPECT_EQ(block.instance().outputs.size(), 1U) << "the block was not given its result after " << failing;
+    }
 }
 
 }  // namespace
