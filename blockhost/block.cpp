@@ -178,13 +178,18 @@ bool Block::start()
     });
 }
 
-void Block::open()
+void Block::prepare()
 {
-    const bool isOpen = initializeSizes() && checkParameters() && initializeSampleTimes() && propagate() && setWorkWidths()
-                        && start();
-    if (!isOpen)
+    const bool isPrepared = initializeSizes() && checkParameters() && initializeSampleTimes() && propagate() && setWorkWidths();
+    if (!isPrepared)
         throw Error(ErrorKind::Usage, fmt::format("open called again (state: {}); a block is set up once, open another block",
                                                   stateName(mImpl->lifecycle.state())));
+}
+
+void Block::open()
+{
+    prepare();
+    start();
 }
 
 bool Block::step()
@@ -203,6 +208,19 @@ bool Block::terminate()
         const auto error = mImpl->run(TERMINATE, "mdlTerminate", mImpl->callbacks().terminate);
         if (error)
             throw Error(ErrorKind::Usage, error->text);
+    });
+}
+
+bool Block::describe(ir::Model& model, const ir::SignalNames& names)
+{
+    return mImpl->carryOut(Call::Describe, [&] {
+        SysObjAdaptorSFun& S = mImpl->instance;
+        if (S.hasVektCG == 0)
+            throw Error(ErrorKind::Usage, "the block describes no code: it did not announce mdlVektCG");
+        const char* const name = "mdlVektCG";
+        const auto describeTo = [&](CGIR_Block_IF* blockInterface) { mImpl->callbacks().vektCG(&S, blockInterface); };
+        const auto error = runCallback(S, CODE_GENERATION, name, [&] { ir::addBlock(model, S, names, describeTo); });
+        throwIfStopped(S, name, error);
     });
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "block_context.h"
+#include "ir/model_builder.h"
 #include "lifecycle.h"
 
 #include <functional>
@@ -49,11 +50,15 @@ public:
     bool start();
     /// All of the above. @throws Error (Usage) also for a block that was opened before
     void open();
+    /// All of the above but start: what a block needs before it describes its code.
+    void prepare();
 
     /// One step: size rules, then mdlOutputs. An error of the block is not thrown but kept in stepError.
     /// Allocates nothing unless the block reports an error.
     bool step();
     bool terminate();
+    /// In place of start and step: adds the block's description of its code to a model. The tree is not yet verified.
+    bool describe(ir::Model& model, const ir::SignalNames& names);
 
     // ---- Between the calls
 

@@ -28,10 +28,12 @@ struct Offer {
     Attribute attribute;
 };
 
-/// What people call a dialog parameter, and when they may change it while the block runs ("no" or a condition).
+/// What people call a dialog parameter, when they may change it while the block runs ("no" or a condition), and what it
+/// means in one sentence; both may be empty.
 struct ParamLabel {
     std::string name;
     std::string tunable;
+    std::string meaning;
 };
 
 }  // namespace blockhost

@@ -2,15 +2,14 @@
 
 #include "block.h"
 #include "block_instance.h"
-#include "block_path.h"
 #include "data_types.h"
+#include "point_block.h"
 
 #include <fmt/format.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <limits>
 
 namespace esttform {
 
@@ -18,59 +17,17 @@ namespace {
 
 using blockhost::Block;
 using blockhost::BlockSetup;
-using blockhost::Dims;
-using blockhost::Signal;
 
 constexpr int PTS1_PORT = 0;
 constexpr int PTS2_PORT = 1;
 constexpr int TFORM_PORT = 0;
 constexpr int INLIER_PORT = 1;
-constexpr int ROWS_PARAM = 17;
-
-/// The longest work vector has 2 * points * 9 elements, and its width is a 32-bit number.
-constexpr std::int32_t MAX_PTS_NUM = std::numeric_limits<std::int32_t>::max() / 18;
-
-/// Reads a flag as the block does: truncated, of the 64-bit integer the low 8 bits.
-bool isFlagSet(double value) noexcept
-{
-    return (static_cast<std::uint64_t>(blockhost::toInteger<std::int64_t>(value)) & 0xFFU) != 0;
-}
-
-Layout layoutOf(const Params& params) noexcept
-{
-    return isFlagSet(params[ROWS_PARAM]) ? Layout::Rows : Layout::Columns;
-}
-
-Dims sizeOfPoints(Layout layout, std::int32_t ptsNum) noexcept
-{
-    return layout == Layout::Rows ? Dims{ptsNum, 2} : Dims{2, ptsNum};
-}
-
-void checkOptions(DataType pointsType, std::int32_t maxPtsNum, const Options& options)
-{
-    const int typeId = static_cast<int>(pointsType);
-    if (typeId < 0 || typeId > static_cast<int>(DataType::Uint32))
-        throw Error(ErrorKind::Usage, fmt::format("pointsType: got data type {}, expected an id from 0 to 7", typeId));
-    if (maxPtsNum < 0 || maxPtsNum > MAX_PTS_NUM)
-        throw Error(ErrorKind::Usage,
-                    fmt::format("maxPtsNum: got {} point pairs, expected 0 to {}", maxPtsNum, MAX_PTS_NUM));
-    if ((options.pts1 == nullptr) != (options.pts2 == nullptr))
-        throw Error(ErrorKind::Usage, "pts1 and pts2: got one array, expected both or none");
-}
 
 BlockSetup setupOf(const Params& params, DataType pointsType, std::int32_t maxPtsNum, const Options& options)
 {
-    checkOptions(pointsType, maxPtsNum, options);
-    BlockSetup setup;
-    setup.libraryPath = blockhost::findBlock(options.blockPath);
-    setup.params.assign(params.begin(), params.end());
-    for (const ParamInfo& info : paramTable())
-        setup.paramLabels.push_back({info.name, info.tunable});
-    Signal points;
-    points.dims = sizeOfPoints(layoutOf(params), maxPtsNum);
-    points.typeId = static_cast<int>(pointsType);
-    points.mode = options.isVariableSize ? sysobj::DIMS_MODE_VARIABLE : sysobj::DIMS_MODE_FIXED;
-    setup.inputs = {points, points};
+    if ((options.pts1 == nullptr) != (options.pts2 == nullptr))
+        throw Error(ErrorKind::Usage, "pts1 and pts2: got one array, expected both or none");
+    BlockSetup setup = blockhost::pointBlockSetup(params, pointsType, maxPtsNum, options.isVariableSize, options.blockPath);
     setup.inputs[PTS1_PORT].data = options.pts1;
     setup.inputs[PTS2_PORT].data = options.pts2;
     setup.trace = options.trace;
@@ -118,7 +75,7 @@ struct Estimator::Impl {
     StepResult result;
 
     Impl(const Params& dialogValues, DataType type, std::int32_t ptsNum, const Options& options)
-        : params(dialogValues), pointsType(type), maxPtsNum(ptsNum), layout(layoutOf(dialogValues)),
+        : params(dialogValues), pointsType(type), maxPtsNum(ptsNum), layout(blockhost::layoutOf(dialogValues)),
           boundPts1(options.pts1), boundPts2(options.pts2), isVariableSize(options.isVariableSize),
           block(setupOf(dialogValues, type, ptsNum, options))
     {
@@ -147,7 +104,7 @@ struct Estimator::Impl {
         checkPtsNum(ptsNum);
         if (isVariableSize)
             for (const int port : {PTS1_PORT, PTS2_PORT})
-                block.setInputSize(port, sizeOfPoints(layout, ptsNum));
+                block.setInputSize(port, blockhost::sizeOfPoints(layout, ptsNum));
         block.step();
 
         result.ptsNum = ptsNum;

@@ -11,5 +11,10 @@
 #include "block_work.h"
 #include "callbacks.h"
 #include "codegen_block_if.h"
+#include "codegen_builder.h"
+#include "codegen_context.h"
+#include "codegen_generators.h"
+#include "codegen_nodes.h"
+#include "codegen_types.h"
 #include "orbsimcommon.h"
 #pragma GCC visibility pop

@@ -23,6 +23,7 @@ constexpr Rule RULES[CALL_NUM] = {
     {Call::Start, "mdlStart", "start", State::Prepared, State::Running},
     {Call::Outputs, "mdlOutputs", "step", State::Running, State::Running},
     {Call::ProcessParameters, "mdlProcessParameters", "setParam", State::Running, State::Running},
+    {Call::Describe, "mdlVektCG", "describe", State::Prepared, State::Prepared},
     {Call::Terminate, "mdlTerminate", "terminate", State::Sized, State::Terminated},
 };
 
@@ -69,6 +70,8 @@ std::string Lifecycle::objection(Call call) const
         return before(ruleReaching(rule.needs));
     if (call == Call::Start && !mHasSampleTimes)
         return before(ruleOf(Call::InitializeSampleTimes));
+    if (call == Call::Describe && mState > rule.needs)
+        return text("after mdlStart", "a block that runs describes nothing, open another block");
     const bool isRepeated = call == Call::InitializeSampleTimes ? mHasSampleTimes
                                                                 : mState >= rule.leadsTo && rule.leadsTo != rule.needs;
     return isRepeated ? text("again", "a block is set up once, open another block") : "";

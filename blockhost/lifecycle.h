@@ -19,9 +19,10 @@ enum class Call {
     Start,
     Outputs,
     ProcessParameters,
+    Describe,  ///< mdlVektCG, in place of Start and what follows it
     Terminate,
 };
-constexpr int CALL_NUM = 9;
+constexpr int CALL_NUM = 10;
 
 enum class State { Created, Sized, Checked, Settled, Prepared, Running, Terminated, Failed };
 constexpr int STATE_NUM = 8;

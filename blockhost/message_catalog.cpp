@@ -24,7 +24,6 @@ constexpr Entry TEXTS[] = {
     {"rtpAllocFailed", "the run-time parameters could not be set up: the host refused their number"},
     {"memoryAllocationFailed", "the block could not get its memory: the host refused the work vectors, the points are too "
                                "many for them, or none was left for the engine"},
-    {"codeGenerationUnavailable", "this version of the block generates no code; it runs in simulation only"},
     {"invalidRandomSamples", "no sample of distinct pairs after 10 draws; the last one was fitted"},
 };
 

@@ -47,9 +47,6 @@ constexpr BaseMsgID inlierOutSzTooSmall(std::int32_t sampleSize) { return {"inli
 constexpr BaseMsgID rtpAllocFailed() { return BaseMsgID("rtpAllocFailed"); }
 constexpr BaseMsgID memoryAllocationFailed() { return BaseMsgID("memoryAllocationFailed"); }
 
-// ---- Code generation
-constexpr BaseMsgID codeGenerationUnavailable() { return BaseMsgID("codeGenerationUnavailable"); }
-
 // ---- The step
 constexpr BaseMsgID invalidRandomSamples() { return BaseMsgID("invalidRandomSamples"); }
 

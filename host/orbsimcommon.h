@@ -88,4 +88,18 @@ bool isOutputDynamicallyTyped(SysObjAdaptorSFun* S, int port) noexcept;
 bool dspIsDataTypeSupported(SysObjAdaptorSFun* S, int typeId, int product, int direction, const char* portName,
                             std::uint32_t typeMask, int options) noexcept;
 
+// ---- Code generation
+
+class BuildInfo;
+
+/// Registers headers and sources of a module that the generated code is built with. The same module is kept once.
+/// [in mdlVektCG; host thread]
+///
+/// @param info              from CGIR_Block_IF::GetBuildInfo
+/// @param group, module     names under which the host's runtime library keeps the files
+/// @param headers, sources  file names with extension; each list ends with null
+/// @param libraries, options  lists that end with null; empty for a module of sources
+void modifyBuildInfo(BuildInfo* info, const char* group, const char* module, const char* const* headers,
+                     const char* const* sources, const char* const* libraries, const char* const* options) noexcept;
+
 }  // namespace OrbSimCommon

@@ -4,12 +4,18 @@
 #include <float.h>
 #include <math.h>
 
-#define SVDC_FCN svdc_r
 #define SVDC_REAL float
 #define SVDC_LITERAL(x) x##F
 #define SVDC_ABS fabsf
 #define SVDC_SQRT sqrtf
 #define SVDC_EPS FLT_EPSILON
 #define SVDC_TINY (FLT_MIN / FLT_EPSILON)
+#define SVDC_IS_FINITE(x) ((x) - (x) == SVDC_LITERAL(0.0)) /* infinity - infinity and NaN - NaN are NaN */
 
 #include "svdc_body.inc"
+
+int32_t svdc_r(float* X, int32_t n, int32_t p, float* s, float* e, float* work, float* U, float* V,
+               int32_t wantVectors)
+{
+    return svdcDecompose(X, n, p, s, e, work, U, V, wantVectors);
+}

@@ -1,5 +1,6 @@
 // The program esttform: subcommands, messages and exit codes.
 
+#include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
 #include "output_file.h"
@@ -59,6 +60,9 @@ ExitCode run(int argc, char** argv)
     TraceOptions traceOptions;
     CLI::App& trace = *app.add_subcommand("trace", "show the calls between host and block");
     addTraceOptions(trace, traceOptions);
+    CodegenOptions codegenOptions;
+    CLI::App& codegen = *app.add_subcommand("codegen", "generate C code that estimates as the block does");
+    addCodegenOptions(codegen, codegenOptions);
 
     try {
         app.parse(argc, argv);
@@ -71,6 +75,8 @@ ExitCode run(int argc, char** argv)
     }
     if (params.parsed())
         return printOut(paramsText());
+    if (codegen.parsed())
+        return runCodegen(codegenOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 

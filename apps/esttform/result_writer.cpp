@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <utility>
 
 namespace esttform::app {
@@ -17,45 +18,54 @@ std::string errorText(const StepResult& result)
     return fmt::format("{}: {}", result.error->id, result.error->text);
 }
 
-nlohmann::ordered_json tformJson(const StepResult& result)
+/// Shortest text that reads back to the same double, not taken for an integer; null for a value that is not finite.
+std::string numberJson(double value)
 {
-    auto rows = nlohmann::ordered_json::array();
-    for (int row = 0; row < result.tformRows; ++row) {
-        auto values = nlohmann::ordered_json::array();
-        for (int col = 0; col < result.tformCols; ++col)
-            values.push_back(result.tform(row, col));
-        rows.push_back(std::move(values));
-    }
-    return rows;
+    if (!std::isfinite(value))
+        return "null";
+    const std::string text = exactText(value);
+    return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
 }
 
-nlohmann::ordered_json inliersJson(const StepResult& result)
+std::string tformJson(const StepResult& result)
+{
+    std::string rows;
+    for (int row = 0; row < result.tformRows; ++row) {
+        for (int col = 0; col < result.tformCols; ++col) {
+            rows += col > 0 ? "," : row > 0 ? "],[" : "[";
+            rows += numberJson(result.tform(row, col));
+        }
+    }
+    return "[" + rows + "]]";
+}
+
+/// The mask and its sum.
+std::string inliersJson(const StepResult& result)
 {
     if (result.inliers == nullptr)
-        return nullptr;
-    auto mask = nlohmann::ordered_json::array();
+        return "\"inliers\":null,\"inlierNum\":null";
+    std::string mask;
     for (std::int32_t i = 0; i < result.ptsNum; ++i)
-        mask.push_back(result.inliers[i] != 0 ? 1 : 0);
-    return mask;
+        mask += fmt::format("{}{:d}", i > 0 ? "," : "", result.inliers[i] != 0);
+    return fmt::format("\"inliers\":[{}],\"inlierNum\":{}", mask, result.inlierNum);
+}
+
+std::string textJson(const std::string& text)
+{
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 }  // namespace
 
 std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames)
 {
-    nlohmann::ordered_json line;
-    line["step"] = label.step;
+    std::string line = fmt::format("{{\"step\":{}", label.step);
     if (hasFrames)
-        line["frame"] = label.frame ? nlohmann::ordered_json(*label.frame) : nlohmann::ordered_json(nullptr);
-    line["ptsNum"] = result.ptsNum;
-    line["tform"] = tformJson(result);
-    line["inliers"] = inliersJson(result);
-    line["inlierNum"] = result.inliers == nullptr ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(result.inlierNum);
-    auto& warnings = line["warnings"] = nlohmann::ordered_json::array();
+        line += ",\"frame\":" + (label.frame ? std::to_string(*label.frame) : "null");
+    line += fmt::format(",\"ptsNum\":{},\"tform\":{},{},\"warnings\":[", result.ptsNum, tformJson(result), inliersJson(result));
     for (const Message& warning : result.warnings)
-        warnings.push_back(warning.id);
-    line["error"] = result.error ? nlohmann::ordered_json(errorText(result)) : nlohmann::ordered_json(nullptr);
-    return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+        line += (&warning == result.warnings.data() ? "" : ",") + textJson(warning.id);
+    return line + "],\"error\":" + (result.error ? textJson(errorText(result)) : "null") + "}\n";
 }
 
 std::string toCsvHeader(const StepResult& result, bool hasFrames)

@@ -29,7 +29,8 @@ struct RunLabel {
 
 /// One JSON object on one line, with line end. Keys: step, frame (with frames), ptsNum, tform (list of rows), inliers
 /// (0 or 1 a pair) and inlierNum (both null without inlier output), warnings (identifiers), error ("id: text" or null).
-/// A value that is not finite is null. Single values are written as the doubles they are equal to.
+/// Numbers have the fewest digits that read back; a value that is not finite is null. Single values are written as the
+/// doubles they are equal to.
 std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames);
 
 /// Header of the rows of toCsvRow for a TForm of this shape: step, [frame,] ptsNum, found, inlierNum, t00, t01, ... (row

@@ -1,7 +1,6 @@
 // Work vectors and the size rule of the inlier output.
 #include <gtest/gtest.h>
 
-#include "codegen_block_if.h"
 #include "traced_block.h"
 
 namespace {
@@ -105,34 +104,24 @@ TEST(SizeRule, MakesTheMaskAsLongAsTheInputs)
     }
 }
 
-/// Writes down what the block states; expressions are numbers: constants their value, sizes 100 + 10*port + dimension.
-class RecordedInterface : public CGIR_Block_IF {
-public:
-    CG::Node* CreateConst(std::int32_t value) override { return nodeOf(value); }
-    CG::Node* GetCurrentInputDim(int port, int dim) override { return nodeOf(100 + 10 * port + dim); }
-    void SetCurrentOutputDim(int port, int dim, CG::Node* size) override
-    {
-        text += "out" + std::to_string(port) + "[" + std::to_string(dim) + "]="
-              + std::to_string(reinterpret_cast<std::intptr_t>(size)) + " ";
-    }
-    std::string text;
-
-private:
-    static CG::Node* nodeOf(std::intptr_t value) { return reinterpret_cast<CG::Node*>(value); }
-};
-
 TEST(SizeRule, IsStatedToTheCodeGeneratorTheSameWay)
 {
     for (const bool isInRows : {true, false}) {
         const Signal variable = signalOf(isInRows ? Dims{9, 2} : Dims{2, 9}, DT_DOUBLE, DIMS_MODE_VARIABLE);
         TracedBlock block({{17, isInRows ? 1.0 : 0.0}}, {variable, variable});
-        ASSERT_EQ(block.tryOpen(), "");
-        auto* const S = const_cast<SysObjAdaptorSFun*>(&block.instance());
-        S->phase = blockhost::CODE_GENERATION;
-        RecordedInterface recorded;
-        const int inputPorts[] = {0, 1};
-        S->outputs[1].sizeRule->setOutputDimsCG(S, &recorded, 1, inputPorts);
-        EXPECT_EQ(recorded.text, isInRows ? "out1[1]=1 out1[0]=100 " : "out1[0]=1 out1[1]=101 ");
+        block->prepare();
+        blockhost::ir::Model model;
+        ASSERT_TRUE(block->describe(model, {}));
+        const auto& rules = model.blocks.at(0)->sizeRules.root.stmts;
+        ASSERT_EQ(rules.size(), 2U);
+        const int pointDim = isInRows ? 0 : 1;
+        EXPECT_EQ(rules[0].port, 1);
+        EXPECT_EQ(rules[0].dim, 1 - pointDim);
+        EXPECT_EQ(rules[0].value->value, 1.0);
+        EXPECT_EQ(rules[1].dim, pointDim);
+        EXPECT_EQ(rules[1].value->kind, CG::Node::Kind::InputDim);
+        EXPECT_EQ(rules[1].value->port, 0);
+        EXPECT_EQ(rules[1].value->dim, pointDim);
     }
 }
 

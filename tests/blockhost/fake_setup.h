@@ -23,7 +23,7 @@ inline BlockSetup setupOf(Fault fault, const Dims& dims = {2, 3}, int mode = sys
     BlockSetup setup;
     setup.libraryPath = FAKE_BLOCK;
     setup.params = {static_cast<double>(fault), 3.0, 1.0, 7.0};
-    setup.paramLabels = {{"fault", "no"}, {"gain", "always"}, {"box", "when the moon is full"}, {"count", "always"}};
+    setup.paramLabels = {{"fault", "no", ""}, {"gain", "always", ""}, {"box", "when the moon is full", ""}, {"count", "always", ""}};
     Signal signal;
     signal.dims = dims;
     signal.typeId = sysobj::DT_DOUBLE;

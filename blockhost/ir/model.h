@@ -1,0 +1,68 @@
+// Model: the code of one or more blocks that described themselves, with what a writer has to know about their signals.
+#pragma once
+
+#include "../dims.h"
+#include "tree.h"
+
+#include <string>
+#include <vector>
+
+namespace blockhost::ir {
+
+/// A port of a block.
+struct PortInfo {
+    CG::Var* var = nullptr;   ///< array of the port's width
+    Dims dims;                ///< of a variable-size port: its bound
+    bool isVariable = false;
+};
+
+/// A run-time parameter of a block.
+struct ParamInfo {
+    CG::Var* var = nullptr;   ///< scalar
+    double value = 0.0;       ///< the value that the settings give
+    std::string meaning;      ///< one sentence
+};
+
+/// One setting of the block, for the head of the file.
+struct SettingInfo {
+    std::string name;
+    double value = 0.0;
+};
+
+/// What one block described.
+struct BlockCode {
+    explicit BlockCode(CG::Module& module) : start(module, "start code"), output(module, "output code"),
+                                             sizeRules(module, "size rules") {}
+
+    std::vector<PortInfo> inputs;
+    std::vector<PortInfo> outputs;
+    std::vector<ParamInfo> params;        ///< by run-time index
+    std::vector<CG::Var*> workVectors;    ///< by index
+    std::vector<SettingInfo> settings;
+    CG::Cfg start;
+    CG::Cfg output;
+    CG::Cfg sizeRules;                    ///< SetOutputDim statements, to be run before the output code
+};
+
+struct Model {
+    CG::Module module;
+    std::vector<std::unique_ptr<BlockCode>> blocks;
+};
+
+/// What a violation of the tree's rules looks like: "output code: statement 12 (szelesttform_cg_step.cpp:57): ...".
+struct Violation {
+    std::string text;
+};
+
+/// Every violation of the rules of the tree, in the order of the text; empty for a tree that can be written.
+///
+/// Checked: mistakes recorded while a body was described; blocks closed; every variable declared before use and used inside
+/// its block and its function; both sides of an assignment of one type, and the target not read-only; operands of one
+/// type that the operator takes; conditions Boolean; counters integer variables; arguments set, as many as the function
+/// has inputs and of their types; a call with side effects nowhere twice; headers and functions that exist.
+ESTTFORM_API std::vector<Violation> verify(const Model& model);
+
+/// The tree as text for people, one statement a line with the generator's line, the same for the same tree.
+ESTTFORM_API std::string dump(const Model& model);
+
+}  // namespace blockhost::ir
