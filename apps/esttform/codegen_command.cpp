@@ -42,6 +42,7 @@ void print(const std::string& text)
 void addCodegenOptions(CLI::App& command, CodegenOptions& o)
 {
     addBlockOptions(command, o.block);
+    command.get_option("--seed")->group("");            // refused, so not shown
     const char* const CODE = "Generated code";
     command.add_option("--max-points", o.maxPtsNum, "point pairs of every step; with --variable-size the most of a step")
         ->required()->check(wholeBetween(1, static_cast<std::int64_t>(MatchReader::PAIR_MAX_NUM)))->type_name("N")->group(CODE);

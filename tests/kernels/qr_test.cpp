@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "element_types.h"
-#include "test_matrices.h"
+#include "qr_factors.h"
 
 namespace {
 
@@ -17,18 +17,6 @@ template <typename T>
 using Cache = QRFactRealInBRealFltSFcnCache<T, T, T>;
 template <typename T>
 using Limits = std::numeric_limits<T>;
-using Indices = std::vector<std::int32_t>;
-
-constexpr int UNTOUCHED = -77;
-
-/// Everything that qrFactor writes; R is UNTOUCHED where the kernel leaves it alone.
-struct Factors {
-    MatrixXd Q, A, R, E, qraux, work;
-    Indices jpvt;
-    bool isInR;
-
-    const MatrixXd& triangle() const { return isInR ? R : A; }
-};
 
 template <typename T, typename Rows, typename Cols>
 Factors factor(const MatrixXd& matrix, Rows m, Cols n, bool isEconomy)
@@ -49,39 +37,6 @@ Factors factor(const MatrixXd& A, bool isEconomy = true)
 {
     return factor<T>(A, int(A.rows()), int(A.cols()), isEconomy);
 }
-
-bool isPermutation(Indices jpvt)
-{
-    std::sort(jpvt.begin(), jpvt.end());
-    for (std::size_t k = 0; k < jpvt.size(); ++k) {
-        if (jpvt[k] != std::int32_t(k)) return false;
-    }
-    return true;
-}
-
-/// A*E = Q*R with orthonormal Q, triangular R with a decreasing diagonal, and a permutation.
-void checkFactors(const MatrixXd& A, const Factors& f, const Precision& precision)
-{
-    const double tolerance = relativeTolerance(A, precision);
-    const double norm = normOf(A);
-    const MatrixXd& R = f.triangle();
-    EXPECT_LE(lackOfOrthonormality(f.Q), tolerance);
-    EXPECT_TRUE(MatrixXd(R.triangularView<Eigen::StrictlyLower>()).isZero(0.0));
-    EXPECT_TRUE(f.isInR || (f.R.array() == UNTOUCHED).all());
-
-    ASSERT_TRUE(isPermutation(f.jpvt));
-    MatrixXd AE = A;
-    for (int k = 0; k < A.cols(); ++k) {
-        AE.col(k) = A.col(f.jpvt[std::size_t(k)]);
-        EXPECT_EQ(f.E(k), f.jpvt[std::size_t(k)] + 1);
-    }
-    EXPECT_LE(normOf(AE - f.Q * R), tolerance * norm);
-    for (int k = 0; k + 1 < std::min(A.rows(), A.cols()); ++k) {  // a downdated norm is good to some percent
-        EXPECT_GE(std::abs(R(k, k)), std::abs(R(k + 1, k + 1)) * 0.95 - tolerance * norm) << "diagonal element " << k;
-    }
-}
-
-const Shape SHAPES[] = {{9, 8}, {5, 4}, {3, 3}, {4, 7}, {1, 5}, {6, 1}, {1, 1}, {12, 7}};
 
 template <typename T>
 class QrTest : public ::testing::Test {

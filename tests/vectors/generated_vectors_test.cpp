@@ -1,4 +1,4 @@
-// Replays the vectors of generated code: every block setting is generated, compiled once, and stepped.
+// Replays the vectors of generated code: every block setting is generated, compiled once, and stepped; QRE is called.
 #include "compiled_model.h"
 #include "vector_files.h"
 
@@ -105,7 +105,9 @@ void replayGeneratedStep(const Json& vector, CaseCheck& check)
 
 Replay formatOf(const Json& first)
 {
-    return first.contains("steps") ? replayGeneratedStep : nullptr;
+    if (first.contains("steps")) return replayGeneratedStep;
+    if (first.contains("economy")) return replayGeneratedQr;
+    return nullptr;
 }
 
 }  // namespace

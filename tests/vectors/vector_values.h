@@ -60,3 +60,4 @@ void replayQr(const Json& vector, CaseCheck& check);
 void replaySvd(const Json& vector, CaseCheck& check);
 void replayFit(const Json& vector, CaseCheck& check);
 void replayStep(const Json& vector, CaseCheck& check);
+void replayGeneratedQr(const Json& vector, CaseCheck& check);
