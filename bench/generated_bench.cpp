@@ -9,10 +9,13 @@
 
 #include "affine_D.h"
 #include "affine_R.h"
+#include "affine_adaptive_D.h"
 #include "projective_D.h"
 #include "projective_R.h"
+#include "projective_adaptive_D.h"
 #include "similarity_D.h"
 #include "similarity_R.h"
+#include "similarity_adaptive_D.h"
 #include "turns.h"
 
 namespace {
@@ -51,11 +54,15 @@ int statusOf(Model* model)
 #define GENERATED(name, T) Generated<T, name##_Model, name##_start, statusOf<name##_Model, name##_step>>
 
 template <typename Model>
-void benchAgainstEngine(benchmark::State& state, TransformType type, double inlierShare)
+void benchAgainstEngine(benchmark::State& state, TransformType type, bool isAdaptive, double inlierShare)
 {
     using T = typename Model::Element;
-    const esttform::Settings settings = bench::fixedSettings(
+    esttform::Settings settings = bench::fixedSettings(
         type, SAMPLE_NUM, std::is_same_v<T, double> ? esttform::DataType::Double : esttform::DataType::Single);
+    if (isAdaptive) {                                    // the program's defaults
+        settings.sampleNum = esttform::Settings().sampleNum;
+        settings.confidence = esttform::Settings().confidence;
+    }
     std::vector<std::unique_ptr<Model>> ours;
     std::vector<std::unique_ptr<Estimator>> theirs;
     for (std::uint32_t seed = 1; seed <= SET_NUM; ++seed) {
@@ -78,11 +85,11 @@ void benchAgainstEngine(benchmark::State& state, TransformType type, double inli
 }
 
 template <typename Model>
-void add(const char* name, TransformType type)
+void add(const char* name, TransformType type, bool isAdaptive = false)
 {
     for (const int percent : {15, 40, 80}) {
-        benchmark::RegisterBenchmark(("generated/" + std::string(name) + "/" + std::to_string(percent)).c_str(),
-                                     benchAgainstEngine<Model>, type, percent / 100.0)
+        benchmark::RegisterBenchmark(((isAdaptive ? "adaptive/" : "fixed/") + std::string(name) + "/" + std::to_string(percent)).c_str(),
+                                     benchAgainstEngine<Model>, type, isAdaptive, percent / 100.0)
             ->UseManualTime()->Iterations(TURN_NUM)->Unit(benchmark::kMillisecond);
     }
 }
@@ -97,6 +104,9 @@ int main(int argc, char** argv)
     add<GENERATED(affine_R, float)>("affine/R", TransformType::Affine);
     add<GENERATED(projective_D, double)>("projective/D", TransformType::Projective);
     add<GENERATED(projective_R, float)>("projective/R", TransformType::Projective);
+    add<GENERATED(similarity_adaptive_D, double)>("similarity/D", TransformType::Similarity, true);
+    add<GENERATED(affine_adaptive_D, double)>("affine/D", TransformType::Affine, true);
+    add<GENERATED(projective_adaptive_D, double)>("projective/D", TransformType::Projective, true);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     benchmark::RunSpecifiedBenchmarks();

@@ -58,6 +58,8 @@ public:
 };
 
 /// QRV2Norm: 2-norm of a vector by running hypot.
+///
+/// Equal to the kernel's but for a NaN next to a zero: here a zero behind it ends its effect, there a zero before it.
 class QRFactV2normGen : public QRFactBaseClass {
 public:
     using QRFactBaseClass::QRFactBaseClass;

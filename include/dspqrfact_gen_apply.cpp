@@ -13,8 +13,9 @@ namespace {
 namespace compqy {
 enum { QR, QR_AUX_J, Y, N, J };
 constexpr qrdetail::InputTable INPUTS = {
-    Input{"qr", InputKind::QR_ARRAY, "in, n rows column by column, as QRDC leaves them; one diagonal element is changed and restored"},
-    Input{"qrAuxj", InputKind::QR_ARRAY, "in, 1 value: leading element of Householder vector j, 0 for no transformation"},
+    Input{"qr", InputKind::QR_ARRAY,
+          "in, n rows column by column, as QRDC leaves them; a diagonal element is changed and restored"},
+    Input{"qrAuxj", InputKind::QR_ARRAY, "in, 1 value: leading element of Householder vector j, 0 for none"},
     Input{"y", InputKind::ELEMENT_ARRAY, "in/out, n - j values: those of the vector from index j on"},
     Input{"n", InputKind::INDEX, "rows of qr"},
     Input{"j", InputKind::INDEX, "index of the transformation"},
@@ -24,7 +25,8 @@ constexpr qrdetail::InputTable INPUTS = {
 namespace qrsl1 {
 enum { QR, QR_AUX, Y, N, K };
 constexpr qrdetail::InputTable INPUTS = {
-    Input{"qr", InputKind::ELEMENT_ARRAY, "in, n x k column by column, as QRDC leaves it; its diagonal is changed and restored"},
+    Input{"qr", InputKind::ELEMENT_ARRAY,
+          "in, n x k column by column, as QRDC leaves it; its diagonal is changed and restored"},
     Input{"qrAux", InputKind::ELEMENT_ARRAY, "in, k values: leading elements of the Householder vectors"},
     Input{"y", InputKind::ELEMENT_ARRAY, "in/out, n values"},
     Input{"n", InputKind::INDEX, "rows"},

@@ -32,9 +32,9 @@ void QrdcBody::makeTransformation()
 
 void QrdcBody::setRealSign()
 {
-    f.Assign(tmp, ElementOps::re(xVec[pll]));
+    f.Assign(tmp2, ElementOps::re(xVec[pll]));
     const Expr re = ElementOps::re(nrmxl);
-    IfBlock isPositive(f, tmp >= 0);
+    IfBlock isPositive(f, tmp2 >= 0);
     f.Assign(re, ops.abs(re));
     isPositive.otherwise();
     f.Assign(re, -ops.abs(re));

@@ -15,8 +15,7 @@ constexpr qrdetail::InputTable INPUTS = {
           "in/out, M x N column by column: Householder vectors below the diagonal, R on and above it"},
     Input{"qrAux", InputKind::ELEMENT_ARRAY, "out, N values: leading elements of the Householder vectors, 0 for none"},
     Input{"jpvt", InputKind::INDEX_ARRAY,
-          "in/out, N values: 0 for a free column, above 0 for one that goes to the front, below 0 to the back; then the original "
-          "index of the column now at k"},
+          "in/out, N values: 0 free, above 0 to the front, below 0 to the back; then the original index of column k"},
     Input{"work", InputKind::ELEMENT_ARRAY, "scratch, N values"},
     Input{"M", InputKind::INDEX, "rows, at least 1"},
     Input{"N", InputKind::INDEX, "columns, at least 1"},

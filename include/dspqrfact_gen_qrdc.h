@@ -71,7 +71,7 @@ private:
     const CG::Expr nrmxl = f.localNumVar("nrmxl", type, "norm of column l from row l on, with the sign of x(l,l)");
     const CG::Expr ctmp = f.localNumVar("ctmp", type);
     const CG::Expr ctmp2 = f.localNumVar("ctmp2", type);
-    const CG::Expr tst = f.localNumVar("tst", type, "1: too many digits of a norm would be lost");
+    const CG::Expr tst = f.localNumVar("tst", type, "exactly 1 when a norm must be computed afresh");
     const CG::Expr maxnrm = f.localNumVar("maxnrm", realType);
     const CG::Expr tt = f.localNumVar("tt", realType, "square of the norm's factor");
     const CG::Expr tmp = f.localNumVar("tmp", realType);

@@ -65,7 +65,7 @@ private:
     // ---- Its parts, each in a file of its own
     void emitDrawSample(const StepLocals& v);                              ///< szelesttform_cg_sampling.cpp
     struct DistanceLocals;                                                 ///< szelesttform_cg_scoring.cpp
-    DistanceLocals createDistanceLocals();
+    DistanceLocals emitDistanceLocals();
     void emitDistance(const DistanceLocals& v, Expr i);
     void emitDistances();
     void emitThresholdScore(const StepLocals& v);

@@ -1,38 +1,60 @@
 // The generated measures of a candidate: distances of all pairs, the score of either method, and what follows from it.
 #include "szelesttform_cg.h"
+#include "szelesttform_points.h"
 
 using namespace CG;
 using namespace sysobj;
 
-/// Locals of the loops over the constraint rows of a pair.
+/// What the distance of a pair to the candidate is made of.
 struct VektCGEstTForm::DistanceLocals {
-    Expr j, k;  ///< uint32: row of the pair, column
-    Expr idx;   ///< uint32: next value of DW_CONSTRT_ALL
-    Expr dis;   ///< a row times the candidate
+    Expr idx;       ///< uint32: first value of the pair's rows in DW_CONSTRT_ALL
+    Expr zeros[2];  ///< what the columns that are 0 for every pair add to the first and to the second row
+    Expr dis;       ///< a row times the candidate
+    Expr sumDis;    ///< squared distance
 };
 
-VektCGEstTForm::DistanceLocals VektCGEstTForm::createDistanceLocals()
+/// Columns that are 0 in a row of every pair need one product for all pairs: 0, or not a number where the candidate is not
+/// finite. A sum that begins with them has the same value as one that meets them in between.
+VektCGEstTForm::DistanceLocals VektCGEstTForm::emitDistanceLocals()
 {
     DistanceLocals v;
-    v.j = createLocal("j", DT_UINT32);
-    v.k = createLocal("k", DT_UINT32);
-    v.idx = createLocal("idx", DT_UINT32, 0, "next value of DW_CONSTRT_ALL");
+    v.idx = createLocal("idx", DT_UINT32, 0, "first value of a pair in DW_CONSTRT_ALL");
+    v.zeros[0] = createLocal("zeros1", mTc, 0, "columns that are 0 in the first row of every pair, times the candidate");
+    v.zeros[1] = createLocal("zeros2", mTc, 0, "the same for the second row");
     v.dis = createLocal("dis", mTc, 0, "a constraint row times the candidate");
+    v.sumDis = createLocal("sumDis", mTc, 0, "squared algebraic distance of a pair");
+    const ConstraintTerms& terms = CONSTRAINT_TERMS[sampleSize - 2];
+    for (int row = 0; row < 2; ++row) {
+        Expr sum = constant(0);
+        std::int32_t term = 0;
+        for (std::int32_t col = 0; col < colNum; ++col) {
+            if (term < terms.num && terms.cols[term][row] == col) {
+                ++term;
+            } else {
+                sum = sum + constant(0) * tformCompact[col];
+            }
+        }
+        Assign(v.zeros[row], sum);
+    }
+    Assign(v.idx, 0);
     return v;
 }
 
-/// Squared algebraic distance of pair i to the candidate; both rows follow each other at idx.
+/// Squared algebraic distance of pair i to the candidate, the first row's square first.
 void VektCGEstTForm::emitDistance(const DistanceLocals& v, Expr i)
 {
-    Assign(distance[i], 0);
-    ForBlock perRow(*this, v.j, 2);
-    Assign(v.dis, 0);
-    {
-        ForBlock perColumn(*this, v.k, colNum);
-        Assign(v.dis, v.dis + constraintAll[v.idx] * tformCompact[v.k]);
-        increment(v.idx);
+    const ConstraintTerms& terms = CONSTRAINT_TERMS[sampleSize - 2];
+    for (int row = 0; row < 2; ++row) {
+        Expr sum = v.zeros[row];
+        for (std::int32_t term = 0; term < terms.num; ++term) {
+            const std::int32_t col = terms.cols[term][row];
+            sum = sum + constraintAll[v.idx + (row * colNum + col)] * tformCompact[col];
+        }
+        Assign(v.dis, sum);
+        Assign(v.sumDis, row == 0 ? v.dis * v.dis : v.dis * v.dis + v.sumDis);
     }
-    Assign(distance[i], v.dis * v.dis + distance[i]);
+    Assign(distance[i], v.sumDis);
+    Assign(v.idx, v.idx + 2 * colNum);
 }
 
 void VektCGEstTForm::emitDistances()
@@ -40,8 +62,7 @@ void VektCGEstTForm::emitDistances()
     ScopeBlock scope(*this);
     append("Squared algebraic distance of every pair to the candidate.");
     const Expr i = createLocal("i", DT_UINT32);
-    const DistanceLocals v = createDistanceLocals();
-    Assign(v.idx, 0);
+    const DistanceLocals v = emitDistanceLocals();
     ForBlock perPair(*this, i, cast(uint32T(), ptsNum));
     emitDistance(v, i);
 }
@@ -74,19 +95,17 @@ void VektCGEstTForm::emitThresholdScore(const StepLocals& v)
     const Expr inlierDis = createLocal("inlierDis", mTc);
     const Expr hasImprovement = createLocal("hasImprovement", DT_BOOLEAN);
     const Expr i = createLocal("i", DT_INT32);
-    const DistanceLocals row = createDistanceLocals();
     Assign(inlierDis, 0);
     Assign(i, 0);
-    Assign(row.idx, 0);
+    const DistanceLocals pair = emitDistanceLocals();
     {
         WhileBlock perPair(*this, i < ptsNum && (loopCount == 1 || inlierDis < bestInlierDis));
-        emitDistance(row, i);
+        emitDistance(pair, i);
         {
-            IfBlock isNear(*this, distance[i] < disThr);
-            Assign(inlierDis, inlierDis + distance[i]);
-            isNear.otherwise();
-            Assign(inlierDis, inlierDis + disThr);
+            IfBlock isFar(*this, !(pair.sumDis < disThr));
+            Assign(pair.sumDis, disThr);
         }
+        Assign(inlierDis, inlierDis + pair.sumDis);
         increment(i);
     }
     Assign(hasImprovement, inlierDis < bestInlierDis || loopCount == 1);
