@@ -59,7 +59,7 @@ public:
 
 /// QRV2Norm: 2-norm of a vector by running hypot.
 ///
-/// Equal to the kernel's but for a NaN next to a zero: here a zero behind it ends its effect, there a zero before it.
+/// The kernel's to the bit, but for a NaN: it is lost here when a zero follows, there when the norm before it is zero.
 class QRFactV2normGen : public QRFactBaseClass {
 public:
     using QRFactBaseClass::QRFactBaseClass;

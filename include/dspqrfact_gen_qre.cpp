@@ -76,8 +76,8 @@ void emitQ(ConstructionFacade& f, const ElementOps& ops, const Names& v, QRFactQ
         setOne(f, ops, v, v.outQ[v.pq]);
         f.Assign(v.pq, v.pq + (v.M + 1));
     }
-    f.append("Convert cols of identity into cols of q. Use info stored in lower triangle of r and in vector qraux to work on "
-             "columns of identity matrix I and transform them into q*I(:,j) i.e. the columns of q.");
+    f.append("Convert cols of identity into cols of q. Use info stored in lower triangle of r and in vector qraux to work "
+             "on columns of identity matrix I and transform them into q*I(:,j) i.e. the columns of q.");
     f.Assign(v.pq, 0);
     ForBlock perColumn(f, v.j, v.L);
     ops.call(qrsl1, {v.outR, v.qrAux, v.outQ[v.pq], v.M, v.N});

@@ -16,7 +16,7 @@ constexpr qrdetail::InputTable INPUTS = {
     Input{"qr", InputKind::QR_ARRAY, "in, n x k column by column, as QRDC leaves it; its diagonal is changed and restored"},
     Input{"qrAux", InputKind::QR_ARRAY, "in, k values: leading elements of the Householder vectors"},
     Input{"b", InputKind::ELEMENT_ARRAY,
-          "in/out, n values: the solution in the first k, then the rest of Q'*b; solved only behind a zero in R's diagonal"},
+          "in/out, n values: the solution in the first k, then the rest of Q'*b; stops at a zero on R's diagonal"},
     Input{"n", InputKind::INDEX, "rows"},
     Input{"k", InputKind::INDEX, "columns, at most n"},
 };

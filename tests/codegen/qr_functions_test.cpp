@@ -252,10 +252,11 @@ TEST(QrGeneratorsTest, OneFunctionForEachNameInAModel)
     std::vector<std::string> names;
     for (const auto& fcn : model.module.fcns)
         names.push_back(fcn->name);
-    EXPECT_EQ(names, (std::vector<std::string>{"QRV2Norm_double", "QRDC_double", "QRCompQy_double", "QRSL1_double", "QRE_double",
-                                               "QRV2Norm_single", "QRDC_single", "QRCompQy_single", "QRSL1_single", "QRE_single",
-                                               "QRCompQy_CinCoutdouble", "QRSL2_CinCoutdouble", "QRCompQy_Cindouble",
-                                               "QRSL2_Cindouble"}));
+    const std::vector<std::string> expected = {
+        "QRV2Norm_double", "QRDC_double", "QRCompQy_double", "QRSL1_double", "QRE_double",
+        "QRV2Norm_single", "QRDC_single", "QRCompQy_single", "QRSL1_single", "QRE_single",
+        "QRCompQy_CinCoutdouble", "QRSL2_CinCoutdouble", "QRCompQy_Cindouble", "QRSL2_Cindouble"};
+    EXPECT_EQ(names, expected);
 }
 
 TEST(QrGeneratorsTest, NoInputBeyondTheLast)
