@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test: with GCC, under the sanitizers, under valgrind, with Clang.
+# Installs what is missing, builds, and runs every test: with GCC, under valgrind, generated code on other machines, under
+# the sanitizers, with Clang.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -14,6 +15,9 @@ ctest --preset ci -j "$jobs"
 # Every access and allocation of the replayed kernels, fits and steps.
 valgrind --quiet --error-exitcode=1 --leak-check=full build/ci/bin/vectors_test
 
+# Generated code on a 32-bit and on a big-endian machine.
+tests/codegen/other_machines.sh build/ci/bin/esttform examples/data quick
+
 # The same tests under AddressSanitizer and UndefinedBehaviorSanitizer.
 cmake --preset asan
 cmake --build --preset asan -- --quiet
@@ -21,6 +25,7 @@ ctest --preset asan -j "$jobs"
 
 # The other compiler: the same results to the bit.
 cmake --preset clang
-cmake --build --preset clang --target vectors_test real_matches_test -- --quiet
+cmake --build --preset clang --target vectors_test generated_vectors_test real_matches_test -- --quiet
 build/clang/bin/vectors_test
+build/clang/bin/generated_vectors_test
 build/clang/bin/real_matches_test

@@ -1,14 +1,20 @@
 #!/usr/bin/env bash
-# Generated code on other machines gives the bytes that it gives on this one: 32-bit Arm with hardware floating point, 64-bit
-# Arm, and big-endian S/390, by cross compilers and user-mode emulation.
+# Generated code on other machines gives the bytes that it gives on this one, by cross compilers and user-mode emulation:
+# 32-bit Arm with hardware floating point and big-endian POWER; with "all" also 64-bit Arm, big-endian S/390 and more models.
 # Usage: other_machines.sh PROGRAM DATA_FOLDER quick|all
+# Needs gcc-arm-linux-gnueabihf, gcc-powerpc64-linux-gnu and qemu-user; for "all" also gcc-aarch64-linux-gnu and
+# gcc-s390x-linux-gnu.
 set -euo pipefail
 
 program=$(realpath "$1")
 data=$(realpath "$2")
 selection=$3
 
-machines=(arm-linux-gnueabihf:qemu-arm aarch64-linux-gnu:qemu-aarch64 s390x-linux-gnu:qemu-s390x)
+# Compiler, emulator, option. S/390 computes float in double under -std=c99 unless told otherwise.
+machines=("arm-linux-gnueabihf qemu-arm -O2" "powerpc64-linux-gnu qemu-ppc64 -O2")
+if [ "$selection" = all ]; then
+    machines+=("aarch64-linux-gnu qemu-aarch64 -O2" "s390x-linux-gnu qemu-s390x -fexcess-precision=fast")
+fi
 
 # Options of 'codegen', then the file of matches.
 models=("--type projective --max-points 500 --samples 200:arches_panorama_500.csv"
@@ -34,12 +40,13 @@ for entry in "${models[@]}"; do
     gcc $strict "$work"/model/*.c -lm -o "$work/native"
     "$work/native" --seed 1 "$matches" > "$work/native.json"
     for machine in "${machines[@]}"; do
-        "${machine%%:*}-gcc" $strict -static "$work"/model/*.c -lm -o "$work/foreign"
-        "${machine##*:}" "$work/foreign" --seed 1 "$matches" > "$work/foreign.json"
+        read -r target emulator option <<< "$machine"
+        "$target-gcc" $strict "$option" -static "$work"/model/*.c -lm -o "$work/foreign"
+        "$emulator" "$work/foreign" --seed 1 "$matches" > "$work/foreign.json"
         if cmp -s "$work/native.json" "$work/foreign.json"; then
-            echo "same bytes on ${machine%%:*}: $options"
+            echo "same bytes on $target: $options"
         else
-            echo "DIFFERENT on ${machine%%:*}: $options" >&2
+            echo "DIFFERENT on $target: $options" >&2
             failures=$((failures + 1))
         fi
     done
