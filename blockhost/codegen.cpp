@@ -42,11 +42,17 @@ int sampleSizeOf(const Params& params)
     return static_cast<int>(params[0]) + 1;
 }
 
+/// What the model does, and how its TForm acts on a point.
 std::string purposeOf(const Params& params, std::int32_t maxPtsNum, bool isVariableSize)
 {
     constexpr const char* TYPES[] = {"a nonreflective similarity", "an affine", "a projective"};
-    return fmt::format("Estimates {} transformation from {}{} matched points, in spite of wrong matches.",
-                       TYPES[sampleSizeOf(params) - 2], isVariableSize ? "up to " : "", maxPtsNum);
+    const bool isProjective = sampleSizeOf(params) == 4;
+    const bool isInRows = blockhost::layoutOf(params) == Layout::Rows;
+    const std::string image = isProjective ? "(x2*w, y2*w, w)" : "(x2, y2)";
+    const std::string action = isInRows ? image + " = (x1, y1, 1) * TForm" : image + "' = TForm * (x1, y1, 1)'";
+    return fmt::format("Estimates {} transformation from {}{} matched points, in spite of wrong matches: {} for a point "
+                       "(x1, y1) of Pts1 and its match (x2, y2) in Pts2.",
+                       TYPES[sampleSizeOf(params) - 2], isVariableSize ? "up to " : "", maxPtsNum, action);
 }
 
 blockhost::c99::ProjectInfo projectOf(const Params& params, DataType pointsType, std::int32_t maxPtsNum,
