@@ -3,7 +3,7 @@
 # Usage: tools/install-packages.sh build|test
 set -euo pipefail
 
-packages=(g++ cmake ninja-build pkg-config
+packages=(g++ make cmake ninja-build pkg-config
           libcli11-dev libfmt-dev nlohmann-json3-dev libcsv-dev libcairo2-dev)
 case "${1:-}" in
     build) ;;
