@@ -53,6 +53,8 @@ public:
     void constructCode();
 
     CGIR_Block_IF* getBlockInterface() const noexcept { return mBlockInterface; }
+    fxpModeRounding_tag getRoundingMode() const noexcept { return mRounding; }
+    fxpModeOverflow_tag getOverflowMode() const noexcept { return mOverflow; }
 
 protected:
     static constexpr int PHASE_NUM = 16;
