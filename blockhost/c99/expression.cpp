@@ -118,9 +118,7 @@ Text Writer::cast(const CG::Type* type, const Node* value)
     const bool isTruncation = CG::isReal(value->type) && CG::isInteger(type);
     if (!isTruncation)
         return {"(" + mUnit.typeName(type) + ")" + operand(value, UNARY), UNARY};
-    const std::string helper = mUnit.conversion(type);
-    return {helper + "(" + (CG::SingleType::isa(value->type) ? "(double)" + operand(value, UNARY) : write(value).text) + ")",
-            PRIMARY};
+    return {mUnit.conversion(value->type, type) + "(" + write(value).text + ")", PRIMARY};
 }
 
 /// An array is passed as it is, from another element than its first one on by that element's address.

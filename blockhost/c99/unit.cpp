@@ -49,32 +49,41 @@ constexpr RuntimeHeader RUNTIME_HEADERS[] = {{"zelsvd_rt.h", "ZELSVD_RT_VERSION"
 
 struct IntegerRange {
     const char* cType;
-    const char* conversion;
+    const char* name;
     double min;
     double max;
 };
 
 /// By data-type id from int8 (2) to uint32 (7).
-constexpr IntegerRange RANGES[] = {{"int8_t", "realToInt8", -128.0, 127.0},
-                                   {"uint8_t", "realToUint8", 0.0, 255.0},
-                                   {"int16_t", "realToInt16", -32768.0, 32767.0},
-                                   {"uint16_t", "realToUint16", 0.0, 65535.0},
-                                   {"int32_t", "realToInt32", -2147483648.0, 2147483647.0},
-                                   {"uint32_t", "realToUint32", 0.0, 4294967295.0}};
+constexpr IntegerRange RANGES[] = {{"int8_t", "Int8", -128.0, 127.0},
+                                   {"uint8_t", "Uint8", 0.0, 255.0},
+                                   {"int16_t", "Int16", -32768.0, 32767.0},
+                                   {"uint16_t", "Uint16", 0.0, 65535.0},
+                                   {"int32_t", "Int32", -2147483648.0, 2147483647.0},
+                                   {"uint32_t", "Uint32", 0.0, 4294967295.0}};
 
 const IntegerRange& rangeOf(int typeId)
 {
     return RANGES[typeId - sysobj::DT_INT8];
 }
 
-void writeConversion(Lines& lines, int typeId)
+std::string conversionName(const IntegerRange& range, bool isFromSingle)
+{
+    return std::string(isFromSingle ? "singleTo" : "realTo") + range.name;
+}
+
+/// A device may have single precision only, so a single value is compared as it is. There the bound below the smallest
+/// int32_t rounds to that number itself, which is also what the helper gives for it.
+void writeConversion(Lines& lines, int typeId, bool isFromSingle)
 {
     const IntegerRange& range = rangeOf(typeId);
+    const CG::Type* const from = isFromSingle ? CG::singleT() : CG::doubleT();
     lines.comment(fmt::format("The value truncated to {}; out of range or not a number: the most negative {}.", range.cType,
                               range.cType));
-    lines.openFunction(fmt::format("static {} {}(double value)", range.cType, range.conversion));
-    lines.open(fmt::format("if (value > {} && value < {})", literalText(CG::doubleT(), range.min - 1.0),
-                           literalText(CG::doubleT(), range.max + 1.0)));
+    lines.openFunction(fmt::format("static {} {}({} value)", range.cType, conversionName(range, isFromSingle),
+                                   isFromSingle ? "float" : "double"));
+    lines.open(fmt::format("if (value > {} && value < {})", literalText(from, range.min - 1.0),
+                           literalText(from, range.max + 1.0)));
     lines.line(fmt::format("return ({})value;", range.cType));
     lines.close();
     lines.line(fmt::format("return {};", literalText(CG::GetCGType(typeId), range.min)));
@@ -119,7 +128,8 @@ void writeComplexType(Lines& lines, const char* part, const char* name)
 Unit::Unit()
 {
     for (const IntegerRange& range : RANGES)
-        names.take(range.conversion);
+        for (const bool isFromSingle : {false, true})
+            names.take(conversionName(range, isFromSingle));
 }
 
 std::string Unit::typeName(const CG::Type* type)
@@ -130,11 +140,12 @@ std::string Unit::typeName(const CG::Type* type)
     return name;
 }
 
-std::string Unit::conversion(const CG::Type* type)
+std::string Unit::conversion(const CG::Type* from, const CG::Type* to)
 {
-    const int typeId = CG::base_type(type)->typeId;
-    conversions.insert(typeId);
-    return rangeOf(typeId).conversion;
+    const int typeId = CG::base_type(to)->typeId;
+    const bool isFromSingle = CG::SingleType::isa(from);
+    conversions.insert({typeId, isFromSingle});
+    return conversionName(rangeOf(typeId), isFromSingle);
 }
 
 std::string Unit::platformMacro(const std::string& name)
@@ -176,8 +187,8 @@ Lines unitHead(const Unit& unit, const std::vector<std::string>& headers, bool h
         lines.blank();
     if (hasOwnTypes)
         lines.append(complexTypes(unit));
-    for (const int typeId : unit.conversions)
-        writeConversion(lines, typeId);
+    for (const auto& [typeId, isFromSingle] : unit.conversions)
+        writeConversion(lines, typeId, isFromSingle);
     return lines;
 }
 

@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace blockhost::c99 {
 
@@ -24,13 +25,13 @@ struct Unit {
     bool needsMath = false;
     bool needsComplexD = false;
     bool needsComplexR = false;
-    std::set<int> conversions;                        ///< from real to integer, by data-type id
+    std::set<std::pair<int, bool>> conversions;       ///< to integer: its data-type id, and whether from single
     std::set<std::string> platformFcns;               ///< of "clock", "rand", "srand"
 
     /// The C type of a scalar; the file will define it if C does not.
     std::string typeName(const CG::Type* type);
-    /// The helper that converts a double to an integer type.
-    std::string conversion(const CG::Type* type);
+    /// The helper that converts a double or a single to an integer type.
+    std::string conversion(const CG::Type* from, const CG::Type* to);
     /// The macro of a function that a device may have to replace: ESTTFORM_RAND of "rand".
     std::string platformMacro(const std::string& name);
 };
