@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -255,6 +254,13 @@ int CompiledModel::step(const void* pts1, std::int32_t ptsNum1, const void* pts2
     return mImpl->function<int()>("glueStep")();
 }
 
+int CompiledModel::stepOfSizes(const std::array<std::int32_t, 2>& dims1, const std::array<std::int32_t, 2>& dims2)
+{
+    std::memcpy(mImpl->field("Pts1Dims")->data, dims1.data(), sizeof dims1);
+    std::memcpy(mImpl->field("Pts2Dims")->data, dims2.data(), sizeof dims2);
+    return mImpl->function<int()>("glueStep")();
+}
+
 std::int64_t CompiledModel::randCalls() const { return mImpl->function<long long()>("glueRandCalls")(); }
 
 std::vector<double> CompiledModel::tform() const { return workVector("TForm"); }
@@ -263,6 +269,12 @@ const bool* CompiledModel::inliers() const
 {
     const Field* const field = mImpl->field("Inlier");
     return field != nullptr ? static_cast<const bool*>(field->data) : nullptr;
+}
+
+std::size_t CompiledModel::inlierNum() const
+{
+    const Field* const field = mImpl->field("Inlier");
+    return field != nullptr ? field->num : 0;
 }
 
 std::vector<double> CompiledModel::workVector(const std::string& name) const

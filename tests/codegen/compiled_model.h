@@ -3,6 +3,7 @@
 
 #include "blockhost/codegen.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -34,10 +35,14 @@ public:
     /// The same with sets of different lengths.
     int step(const void* pts1, std::int32_t ptsNum1, const void* pts2, std::int32_t ptsNum2);
 
+    /// The same over the points that lie in the inputs, with any sizes; only for a model of variable size.
+    int stepOfSizes(const std::array<std::int32_t, 2>& dims1, const std::array<std::int32_t, 2>& dims2);
+
     /// Numbers drawn since start or seed.
     std::int64_t randCalls() const;
     std::vector<double> tform() const;               ///< in storage order, widened
     const bool* inliers() const;                     ///< null without inlier output
+    std::size_t inlierNum() const;                   ///< length of the mask: the bound of the number of pairs
     /// The first values of a work vector, widened; empty when the model has none of that name.
     std::vector<double> workVector(const std::string& name) const;
     std::size_t modelBytes() const;
