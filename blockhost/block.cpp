@@ -211,7 +211,7 @@ bool Block::terminate()
     });
 }
 
-bool Block::describe(ir::Model& model, const ir::SignalNames& names)
+bool Block::describe(ir::Model& model, const ir::BlockLabels& labels)
 {
     return mImpl->carryOut(Call::Describe, [&] {
         SysObjAdaptorSFun& S = mImpl->instance;
@@ -219,7 +219,7 @@ bool Block::describe(ir::Model& model, const ir::SignalNames& names)
             throw Error(ErrorKind::Usage, "the block describes no code: it did not announce mdlVektCG");
         const char* const name = "mdlVektCG";
         const auto describeTo = [&](CGIR_Block_IF* blockInterface) { mImpl->callbacks().vektCG(&S, blockInterface); };
-        const auto error = runCallback(S, CODE_GENERATION, name, [&] { ir::addBlock(model, S, names, describeTo); });
+        const auto error = runCallback(S, CODE_GENERATION, name, [&] { ir::addBlock(model, S, labels, describeTo); });
         throwIfStopped(S, name, error);
     });
 }

@@ -58,7 +58,7 @@ public:
     bool step();
     bool terminate();
     /// In place of start and step: adds the block's description of its code to a model. The tree is not yet verified.
-    bool describe(ir::Model& model, const ir::SignalNames& names);
+    bool describe(ir::Model& model, const ir::BlockLabels& labels);
 
     // ---- Between the calls
 

@@ -28,12 +28,13 @@ struct Offer {
     Attribute attribute;
 };
 
-/// What people call a dialog parameter, when they may change it while the block runs ("no" or a condition), and what it
-/// means in one sentence; both may be empty.
+/// What people call a dialog parameter, when they may change it while the block runs ("no" or a condition), what it means
+/// in one sentence, and the values that it may take; all but the name may be empty.
 struct ParamLabel {
     std::string name;
     std::string tunable;
     std::string meaning;
+    std::string values = {};
 };
 
 }  // namespace blockhost

@@ -2,6 +2,7 @@
 
 #include "c99/project.h"
 #include "c99/writer.h"
+#include "code_labels.h"
 #include "point_block.h"
 
 #include <fmt/format.h>
@@ -16,14 +17,11 @@ namespace {
 using blockhost::Block;
 namespace ir = blockhost::ir;
 
-/// What generated code calls the block's ports.
-const ir::SignalNames SIGNAL_NAMES = {{"Pts1", "Pts2"}, {"TForm", "Inlier"}};
-
 /// Lets the block describe itself and verifies what it said.
-void describe(Block& block, ir::Model& model)
+void describe(Block& block, ir::Model& model, const PointModel& points)
 {
     block.prepare();
-    block.describe(model, SIGNAL_NAMES);
+    block.describe(model, labelsOf(points));
     const std::vector<ir::Violation> violations = ir::verify(model);
     if (!violations.empty())
         throw Error(ErrorKind::Internal,
@@ -34,25 +32,6 @@ void describe(Block& block, ir::Model& model)
 Block blockFor(const Params& params, DataType pointsType, std::int32_t maxPtsNum, const CodeOptions& options)
 {
     return Block(blockhost::pointBlockSetup(params, pointsType, maxPtsNum, options.isVariableSize, options.blockPath));
-}
-
-/// Point pairs that the transformation type of checked dialog values needs.
-int sampleSizeOf(const Params& params)
-{
-    return static_cast<int>(params[0]) + 1;
-}
-
-/// What the model does, and how its TForm acts on a point.
-std::string purposeOf(const Params& params, std::int32_t maxPtsNum, bool isVariableSize)
-{
-    constexpr const char* TYPES[] = {"a nonreflective similarity", "an affine", "a projective"};
-    const bool isProjective = sampleSizeOf(params) == 4;
-    const bool isInRows = blockhost::layoutOf(params) == Layout::Rows;
-    const std::string image = isProjective ? "(x2*w, y2*w, w)" : "(x2, y2)";
-    const std::string action = isInRows ? image + " = (x1, y1, 1) * TForm" : image + "' = TForm * (x1, y1, 1)'";
-    return fmt::format("Estimates {} transformation from {}{} matched points, in spite of wrong matches: {} for a point "
-                       "(x1, y1) of Pts1 and its match (x2, y2) in Pts2.",
-                       TYPES[sampleSizeOf(params) - 2], isVariableSize ? "up to " : "", maxPtsNum, action);
 }
 
 blockhost::c99::ProjectInfo projectOf(const Params& params, DataType pointsType, std::int32_t maxPtsNum,
@@ -89,9 +68,10 @@ std::vector<GeneratedFile> generateCode(const Params& params, DataType pointsTyp
 {
     blockhost::c99::checkModelName(options.name);
     Block block = blockFor(params, pointsType, maxPtsNum, options);
+    const PointModel points{params, maxPtsNum, options.isVariableSize};
     ir::Model model;
-    describe(block, model);
-    const blockhost::c99::ModelText text = {options.name, purposeOf(params, maxPtsNum, options.isVariableSize),
+    describe(block, model, points);
+    const blockhost::c99::ModelText text = {options.name, purposeOf(points),
                                               "esttform " ESTTFORM_VERSION};
     std::vector<GeneratedFile> files;
     for (blockhost::c99::SourceFile& file : blockhost::c99::writeModel(model, text))
@@ -105,8 +85,9 @@ std::vector<GeneratedFile> generateCode(const Params& params, DataType pointsTyp
 std::string dumpIr(const Params& params, DataType pointsType, std::int32_t maxPtsNum, const CodeOptions& options)
 {
     Block block = blockFor(params, pointsType, maxPtsNum, options);
+    const PointModel points{params, maxPtsNum, options.isVariableSize};
     ir::Model model;
-    describe(block, model);
+    describe(block, model, points);
     return ir::dump(model);
 }
 

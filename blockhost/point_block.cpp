@@ -21,13 +21,12 @@ constexpr int ROWS_PARAM = 17;
 /// The longest work vector has 2 * points * 9 elements, and its width is a 32-bit number.
 constexpr std::int32_t MAX_PTS_NUM = std::numeric_limits<std::int32_t>::max() / 18;
 
-/// Reads a flag as the block does: truncated, of the 64-bit integer the low 8 bits.
+}  // namespace
+
 bool isFlagSet(double value) noexcept
 {
     return (static_cast<std::uint64_t>(toInteger<std::int64_t>(value)) & 0xFFU) != 0;
 }
-
-}  // namespace
 
 Layout layoutOf(const esttform::Params& params) noexcept
 {
@@ -52,7 +51,8 @@ BlockSetup pointBlockSetup(const esttform::Params& params, DataType pointsType, 
     setup.libraryPath = findBlock(blockPath);
     setup.params.assign(params.begin(), params.end());
     for (const esttform::ParamInfo& info : esttform::paramTable())
-        setup.paramLabels.push_back({info.name, info.tunable, info.meaning});
+        setup.paramLabels.push_back({info.name, info.tunable, info.meaning,
+                                     std::string(info.values) + (*info.unit != '\0' ? " " : "") + info.unit});
     Signal points;
     points.dims = sizeOfPoints(layoutOf(params), maxPtsNum);
     points.typeId = typeId;

@@ -6,6 +6,9 @@
 
 namespace blockhost {
 
+/// Reads a flag as the block does: truncated, of the 64-bit integer the low 8 bits.
+bool isFlagSet(double value) noexcept;
+
 /// Layout of the points that the dialog values ask for.
 esttform::Layout layoutOf(const esttform::Params& params) noexcept;
 

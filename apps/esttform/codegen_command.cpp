@@ -50,7 +50,7 @@ void addCodegenOptions(CLI::App& command, CodegenOptions& o)
     command.add_option("--name", o.name, "name of the model: NAME.h, NAME.c, NAME_start, NAME_step (default esttform)")
         ->type_name("NAME")->group(CODE);
     command.add_flag("--with-main", o.withMain,
-                     "add main.c, a program that reads matches as 'estimate' does and prints its JSON lines")->group(CODE);
+                     "add main.c, a program that reads CSV files with a header and prints the JSON lines of 'estimate'")->group(CODE);
     const char* const OUTPUT = "Output";
     command.add_option("-o,--output", o.outputPath,
                        "folder of the generated code; written whole or not at all, and refused when it is not empty")

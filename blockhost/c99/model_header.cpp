@@ -5,17 +5,9 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
-
 namespace blockhost::c99 {
 
 namespace {
-
-std::string numberText(double value)
-{
-    char buffer[64];
-    return std::string(buffer, std::to_chars(buffer, buffer + sizeof(buffer), value).ptr);
-}
 
 std::size_t stepStack(const ir::Model& model, const ModelLayout& layout)
 {
@@ -33,8 +25,8 @@ std::string fileComment(const ir::Model& model, const ModelLayout& layout, const
                                       text.version);
     for (std::size_t i = 0; i < model.blocks.size(); ++i) {
         comment += model.blocks.size() > 1 ? fmt::format("\n\nSettings of block {}:", i + 1) : "\n\nSettings:";
-        for (const ir::SettingInfo& setting : model.blocks[i]->settings)
-            comment += fmt::format("\n    {} = {}", setting.name, numberText(setting.value));
+        for (const std::string& setting : model.blocks[i]->settings)
+            comment += "\n    " + setting;
     }
     comment += fmt::format("\n\nA program declares one {0}_Model and calls {0}_start once. For each step it fills the inputs, calls "
                            "{0}_step and reads the outputs. Nothing is kept outside the struct, nothing is allocated.",
@@ -48,7 +40,7 @@ std::string fileComment(const ir::Model& model, const ModelLayout& layout, const
 void writeStatus(Lines& lines, const std::string& name)
 {
     lines.open("typedef enum");
-    lines.lineWithComment(name + "_OK = 0,", "the outputs are valid");
+    lines.lineWithComment(name + "_OK = 0,", "the step has run; the outputs are valid");
     lines.lineWithComment(name + "_SIZE_ERROR = 1", "the sizes of the inputs cannot be used; the outputs are cleared");
     lines.close(fmt::format(" {}_Status;", name));
     lines.blank();

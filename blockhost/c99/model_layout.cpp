@@ -48,8 +48,8 @@ ModelLayout::ModelLayout(const ir::Model& model)
     };
     mGroups = {{"Inputs: to be filled before a step.", {}},
                {"Outputs: valid after a step.", {}},
-               {"Parameters: may be changed between steps.", {}},
-               {"Work memory of a step.", {}}};
+               {"Parameters: may be changed between steps; the next step uses the new values.", {}},
+               {"Work memory: kept between steps, not to be changed.", {}}};
     for (const auto& block : model.blocks)
         addPorts(mGroups[0], block->inputs);
     for (const auto& block : model.blocks)

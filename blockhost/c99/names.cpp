@@ -20,6 +20,9 @@ constexpr std::size_t MAX_NAME_LENGTH = 48;
 const std::set<std::string> TAKEN_FILES = {
     "assert", "complex", "ctype", "errno", "fenv", "float", "inttypes", "iso646", "limits", "locale", "main", "math", "setjmp",
     "signal", "stdarg", "stdbool", "stddef", "stdint", "stdio", "stdlib", "string", "tgmath", "time", "wchar", "wctype",
+    // found through those
+    "alloca", "byteswap", "endian", "features", "newlib", "sched", "stdalign", "stdatomic", "stdnoreturn", "strings", "threads",
+    "uchar", "unistd",
     "zelsvd_rt", "zelendian_rt", "svd_d_rt", "svd_r_rt", "svd_helper_rt", "is_little_endian_rt",
 };
 
@@ -64,7 +67,7 @@ bool NameScope::isTaken(const std::string& name) const
 void checkModelName(const std::string& name)
 {
     const auto refuse = [&name](const std::string& reason) {
-        throw esttform::Error(esttform::ErrorKind::Usage, fmt::format("name of the generated code: got \"{}\", {}", name, reason));
+        throw esttform::Error(esttform::ErrorKind::Usage, fmt::format("name: got \"{}\", {}", name, reason));
     };
     if (!isIdentifier(name) || name[0] == '_')
         refuse("expected letters, digits and underscores, a letter first");
@@ -73,7 +76,7 @@ void checkModelName(const std::string& name)
     if (isReservedName(name))
         refuse("a name that C, C++ or the runtime has taken; choose another one");
     if (TAKEN_FILES.count(lowerCase(name)) != 0)
-        refuse(fmt::format("but {0}.h or {0}.c is a file of the C library or of the generated folder; choose another one", name));
+        refuse(fmt::format("but {0}.h or {0}.c would stand in the way of a file of the C library or of the generated folder; choose another one", name));
 }
 
 }  // namespace blockhost::c99

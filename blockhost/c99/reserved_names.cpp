@@ -43,7 +43,7 @@ const std::set<std::string> LIBRARY_NAMES = {
 };
 
 const std::set<std::string> RUNTIME_NAMES = {
-    "NQZEL_SVD_D", "NQZEL_SVD_R", "ZELSVD_RT_VERSION", "ESTTFORM_RAND", "ESTTFORM_SRAND", "ESTTFORM_CLOCK", "complexD",
+    "NQZEL_SVD_D", "NQZEL_SVD_R", "NQZEL_IS_FINITE_D", "NQZEL_IS_FINITE_R", "NQZEL_IS_LITTLE_ENDIAN", "ZELSVD_RT_VERSION", "ESTTFORM_RAND", "ESTTFORM_SRAND", "ESTTFORM_CLOCK", "complexD",
     "complexR",
 };
 

@@ -20,13 +20,7 @@ struct PortInfo {
 struct ParamInfo {
     CG::Var* var = nullptr;   ///< scalar
     double value = 0.0;       ///< the value that the settings give
-    std::string meaning;      ///< one sentence
-};
-
-/// One setting of the block, for the head of the file.
-struct SettingInfo {
-    std::string name;
-    double value = 0.0;
+    std::string meaning;      ///< one sentence and the values that it may take
 };
 
 /// What one block described.
@@ -38,7 +32,7 @@ struct BlockCode {
     std::vector<PortInfo> outputs;
     std::vector<ParamInfo> params;        ///< by run-time index
     std::vector<CG::Var*> workVectors;    ///< by index
-    std::vector<SettingInfo> settings;
+    std::vector<std::string> settings;    ///< for the head of the file, one line each
     CG::Cfg start;
     CG::Cfg output;
     CG::Cfg sizeRules;                    ///< SetOutputDim statements, to be run before the output code

@@ -10,10 +10,17 @@
 
 namespace blockhost::ir {
 
-/// Names of a block's ports and parameters in generated code; a port beyond the list is called "input2", "output1", ...
-struct SignalNames {
-    std::vector<std::string> inputs;
-    std::vector<std::string> outputs;
+/// What generated code calls a port, and what it says about it beside its size.
+struct PortLabel {
+    std::string name;
+    std::string note;                   ///< may be empty
+};
+
+/// What a reader of generated code is told about a block; a port beyond the lists is called "input2", "output1", ...
+struct BlockLabels {
+    std::vector<PortLabel> inputs;
+    std::vector<PortLabel> outputs;
+    std::vector<std::string> settings;  ///< one line each
 };
 
 /// Adds a block to a model.
@@ -21,7 +28,7 @@ struct SignalNames {
 /// @param S         a prepared instance; its phase is the caller's to set
 /// @param describe  calls the block's mdlVektCG with the interface
 /// @return the block's code; it is not yet verified
-BlockCode& addBlock(Model& model, sysobj::SysObjAdaptorSFun& S, const SignalNames& names,
+BlockCode& addBlock(Model& model, sysobj::SysObjAdaptorSFun& S, const BlockLabels& labels,
                     const std::function<void(CGIR_Block_IF*)>& describe);
 
 }  // namespace blockhost::ir

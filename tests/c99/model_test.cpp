@@ -61,7 +61,7 @@ void describeDemo(Model& model)
     code.outputs.push_back({module.newVar("Whole", Var::Storage::OutputPort, int32T(), 1, ""), {1}, false});
     code.params.push_back({module.newVar("GAIN", Var::Storage::RunTimeParam, doubleT(), 0, ""), 0.1, "factor of the sum"});
     code.workVectors.push_back(module.newVar("DW_SUM", Var::Storage::WorkVector, doubleT(), 2, "sums"));
-    code.settings.push_back({"gain", 0.1});
+    code.settings.push_back("gain = 0.1");
     BlockInterface host(module, code);
 
     host.AddHeader("<stdlib.h>");

@@ -23,7 +23,7 @@ extern "C" {
 #endif
 
 typedef enum {
-    demo_OK = 0, /* the outputs are valid */
+    demo_OK = 0, /* the step has run; the outputs are valid */
     demo_SIZE_ERROR = 1 /* the sizes of the inputs cannot be used; the outputs are cleared */
 } demo_Status;
 
@@ -37,10 +37,10 @@ typedef struct {
     int32_t CopyDims[2]; /* current rows and columns */
     int32_t Whole[1]; /* vector of 1 */
 
-    /* Parameters: may be changed between steps. */
+    /* Parameters: may be changed between steps; the next step uses the new values. */
     double GAIN; /* factor of the sum */
 
-    /* Work memory of a step. */
+    /* Work memory: kept between steps, not to be changed. */
     double DW_SUM[2]; /* sums */
 } demo_Model;
 
