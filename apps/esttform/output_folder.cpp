@@ -2,14 +2,13 @@
 
 #include "failure.h"
 #include "number_text.h"
-#include "output_file.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
-#include <set>
 
 namespace esttform::app {
 
@@ -22,49 +21,62 @@ bool isPlainName(const std::string& name)
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
 }
 
-fs::path resolved(const std::string& path)
-{
-    std::error_code fault;
-    fs::path target = fs::weakly_canonical(path, fault);
-    if (fault)
-        target = path;
-    return target.has_filename() ? target : target.parent_path();
-}
-
-/// A new folder beside the target.
-fs::path makeSibling(const fs::path& target, std::error_code& fault)
+/// A new hidden folder.
+fs::path makeHidden(const fs::path& parent, const std::string& name, std::error_code& fault)
 {
     for (int i = 0;; ++i) {
-        fs::path folder = target.parent_path() / fmt::format(".{}.{}.{}", target.filename().string(), ::getpid(), i);
+        fs::path folder = parent / fmt::format(".{}.{}.{}", name, ::getpid(), i);
         if (fs::create_directory(folder, fault) || fault)
             return folder;
     }
 }
 
+/// Names in a list of files. Only names of plain files of the folder itself count, whatever the list says.
+std::vector<std::string> listedFiles(const fs::path& folder)
+{
+    std::vector<std::string> names;
+    std::ifstream list(folder / OutputFolder::LIST_NAME);
+    for (std::string name; std::getline(list, name);)
+        if (isPlainName(name) && fs::is_regular_file(fs::symlink_status(folder / name)))
+            names.push_back(name);
+    return names;
+}
+
+/// Moves of files that can be taken back, the last one first.
+class Moves {
+public:
+    void move(const fs::path& from, const fs::path& to, std::error_code& fault)
+    {
+        fs::rename(from, to, fault);
+        if (!fault)
+            mDone.emplace_back(from, to);
+    }
+    void takeBack() noexcept
+    {
+        std::error_code ignored;
+        for (; !mDone.empty(); mDone.pop_back())
+            fs::rename(mDone.back().second, mDone.back().first, ignored);
+    }
+
+private:
+    std::vector<std::pair<fs::path, fs::path>> mDone;
+};
+
 }  // namespace
 
-OutputFolder::OutputFolder(const std::string& path, bool isReplace) : mPath(path), mTarget(resolved(path))
+OutputFolder::OutputFolder(const std::string& path, bool isReplace) : mPath(path)
 {
+    if (path == "-")
+        throw Failure("-: standard output is no folder; name one");
+    checkTarget(isReplace);
     std::error_code fault;
-    const fs::file_status status = fs::status(mTarget, fault);
-    if (fs::exists(status)) {
-        if (!fs::is_directory(status))
-            fail("create the folder", std::make_error_code(std::errc::file_exists));
-        if (fs::equivalent(mTarget, fs::current_path(fault), fault))
-            throw Failure(fmt::format("{}: is the current folder, expected another one", mPath));
-        const bool isEmpty = fs::is_empty(mTarget, fault);
-        if (fault)
-            fail("read", fault);
-        if (!isEmpty && !isReplace)
-            throw Failure(fmt::format("{}: the folder is not empty; choose another, or replace generated files by --force",
-                                      mPath));
-        if (!isEmpty && !fs::is_regular_file(mTarget / LIST_NAME))
-            throw Failure(fmt::format("{}: the folder is not empty and has no {}, so nothing in it was generated; choose another",
-                                      mPath, LIST_NAME));
-    }
-    mTemporary = makeSibling(mTarget, fault);
-    if (fault)
-        fail("create", fault);
+    mTemporary = mIsThere ? makeHidden(mTarget, "new", fault) : makeHidden(mTarget.parent_path(), mTarget.filename().string(), fault);
+    if (!fault)
+        return;
+    mTemporary.clear();
+    if (fault == std::errc::no_such_file_or_directory)
+        throw Failure(fmt::format("{}: cannot create the folder: {} is missing", mPath, mTarget.parent_path().string()));
+    fail("create the folder", fault);
 }
 
 OutputFolder::~OutputFolder()
@@ -79,79 +91,91 @@ void OutputFolder::fail(const char* action, const std::error_code& reason) const
     throw Failure(fmt::format("{}: cannot {}: {}", mPath, action, reason.message()));
 }
 
+/// Finds out what is at the path, and whether files may be written there.
+void OutputFolder::checkTarget(bool isReplace)
+{
+    std::error_code fault;
+    mTarget = fs::weakly_canonical(mPath, fault);
+    if (fault)
+        fail("create the folder", fault);
+    if (!mTarget.has_filename())
+        mTarget = mTarget.parent_path();
+    const fs::file_status status = fs::status(mTarget, fault);
+    mIsThere = fs::exists(status);
+    if (!mIsThere) {
+        if (status.type() == fs::file_type::none)
+            fail("read", fault);
+        if (fs::is_symlink(fs::symlink_status(mTarget, fault)))
+            throw Failure(fmt::format("{}: is a link to nothing; remove it, or create what it names", mPath));
+        return;
+    }
+    if (!fs::is_directory(status))
+        fail("create the folder", std::make_error_code(std::errc::file_exists));
+    const bool isEmpty = fs::is_empty(mTarget, fault);
+    if (fault)
+        fail("read", fault);
+    if (isEmpty)
+        return;
+    if (!isReplace)
+        throw Failure(fmt::format("{}: the folder is not empty; choose another, or replace generated files by --force", mPath));
+    if (!fs::is_regular_file(mTarget / LIST_NAME, fault))
+        throw Failure(fmt::format("{}: the folder is not empty and has no {}, so nothing in it was generated; choose another",
+                                  mPath, LIST_NAME));
+}
+
+void OutputFolder::writeFile(const std::string& name, std::string_view text)
+{
+    errno = 0;
+    std::ofstream file(mTemporary / name, std::ios::binary);
+    file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    file.close();
+    if (!file)
+        throw Failure(fmt::format("{}/{}: cannot write: {}", mPath, name,
+                                  std::error_code(errno != 0 ? errno : EIO, std::generic_category()).message()));
+}
+
 void OutputFolder::write(const std::string& name, std::string_view text)
 {
     if (!isPlainName(name))
         throw Failure(fmt::format("{}: got a file {}, expected a name without a folder", mPath, inQuotes(name)),
                       ExitCode::OurFault);
-    OutputFile file((mTemporary / name).string());
-    file.write(text);
-    file.commit();
+    writeFile(name, text);
     mNames.push_back(name);
 }
 
-/// Divides what the folder that is replaced holds into the files of its list and all else.
-OutputFolder::Content OutputFolder::oldContent() const
+/// Replaces the files of the old list by the new ones.
+void OutputFolder::moveIn()
 {
-    std::set<std::string> listed;
-    std::ifstream list(mTarget / LIST_NAME);
-    for (std::string name; std::getline(list, name);)
-        listed.insert(name);
-    Content content;
-    for (const fs::directory_entry& entry : fs::directory_iterator(mTarget)) {
-        const std::string name = entry.path().filename().string();
-        const bool isOwn = listed.count(name) != 0 && fs::is_regular_file(entry.symlink_status());
-        (isOwn ? content.own : content.foreign).push_back(name);
-    }
-    return content;
-}
-
-void OutputFolder::replace()
-{
-    const Content content = oldContent();
-    for (const std::string& name : content.foreign)
-        if (std::find(mNames.begin(), mNames.end(), name) != mNames.end())
+    const std::vector<std::string> listed = listedFiles(mTarget);
+    std::error_code fault;
+    for (const std::string& name : mNames)
+        if (std::find(listed.begin(), listed.end(), name) == listed.end() && fs::exists(fs::symlink_status(mTarget / name, fault)))
             throw Failure(fmt::format("{}/{}: was not generated and would be overwritten; move it away", mPath, name));
-    std::error_code fault, ignored;
-    const fs::path old = makeSibling(mTarget, fault);
-    if (!fault)
-        fs::rename(mTarget, old, fault);                 // onto the empty folder
+    const fs::path old = makeHidden(mTarget, "old", fault);
+    Moves moves;
+    for (std::size_t i = 0; i < listed.size() && !fault; ++i)
+        moves.move(mTarget / listed[i], old / listed[i], fault);
+    for (std::size_t i = 0; i < mNames.size() && !fault; ++i)
+        moves.move(mTemporary / mNames[i], mTarget / mNames[i], fault);
+    std::error_code ignored;
     if (fault) {
+        moves.takeBack();
         fs::remove(old, ignored);
-        fail("replace", fault);
+        fail("replace its files", fault);
     }
-    fs::rename(mTemporary, mTarget, fault);
-    if (fault) {
-        fs::rename(old, mTarget, ignored);
-        fail("replace", fault);
-    }
-    mTemporary.clear();
-    for (const std::string& name : content.foreign) {
-        fs::rename(old / name, mTarget / name, fault);
-        if (fault)
-            throw Failure(fmt::format("{}: cannot move {} from {}: {}", mPath, name, old.string(), fault.message()));
-    }
-    for (const std::string& name : content.own)
-        fs::remove(old / name, ignored);
-    fs::remove(old, ignored);                            // fails if somebody added a file meanwhile, which stays there
+    fs::remove_all(old, ignored);
 }
 
 void OutputFolder::commit()
 {
     mNames.emplace_back(LIST_NAME);
-    std::string list;
-    for (const std::string& name : mNames)
-        list += name + "\n";
-    OutputFile file((mTemporary / LIST_NAME).string());
-    file.write(list);
-    file.commit();
-
+    writeFile(LIST_NAME, fmt::format("{}\n", fmt::join(mNames, "\n")));
+    if (mIsThere)
+        return moveIn();
     std::error_code fault;
-    if (fs::exists(mTarget) && !fs::is_empty(mTarget))
-        return replace();
     fs::rename(mTemporary, mTarget, fault);
     if (fault)
-        fail("create", fault);
+        fail("create the folder", fault);
     mTemporary.clear();
 }
 

@@ -1,4 +1,5 @@
 // The command codegen: a folder appears whole or not at all, and nothing of the user's is lost.
+#include "failure.h"
 #include "output_folder.h"
 #include "program.h"
 
@@ -76,12 +77,17 @@ TEST(CodegenTest, RefusesWithAMessage)
         {"keyword", {"codegen", "--max-points", "9", "--name", "double", "-o", "out"}, "double"},
         {"pathAsName", {"codegen", "--max-points", "9", "--name", "../x", "-o", "out"}, "../x"},
         {"cmakeTarget", {"codegen", "--max-points", "9", "--name", "install", "-o", "out"}, "install"},
-        {"noParent", {"codegen", "--max-points", "9", "-o", "none/out"}, "none/out: cannot create: No such file"},
+        {"noParent", {"codegen", "--max-points", "9", "-o", "none/out"}, "none/out: cannot create the folder: "},
+        {"standardOutput", {"codegen", "--max-points", "9", "-o", "-"}, "-: standard output is no folder"},
+        {"linkToNothing", {"codegen", "--max-points", "9", "-o", "dangling"}, "dangling: is a link to nothing"},
+        {"linkToItself", {"codegen", "--max-points", "9", "-o", "loop"}, "loop: cannot create the folder: "},
         {"file", {"codegen", "--max-points", "9", "-o", "file"}, "file: cannot create the folder: File exists"},
-        {"current", {"codegen", "--max-points", "9", "-o", "."}, ".: is the current folder"},
+        {"current", {"codegen", "--max-points", "9", "-o", "."}, ".: the folder is not empty"},
     };
     const TempFolder folder;
     folder.write("file", "kept");
+    fs::create_symlink("nothing", folder.path("dangling"));
+    fs::create_symlink("loop", folder.path("loop"));
     const fs::path before = fs::current_path();
     fs::current_path(folder.path(""));
     for (const RefusalCase& c : cases) {
@@ -90,7 +96,7 @@ TEST(CodegenTest, RefusesWithAMessage)
         EXPECT_NE(run.err.find(c.message), std::string::npos) << c.name << ": " << run.err;
     }
     fs::current_path(before);
-    EXPECT_EQ(folder.names(), Words{"file"});
+    EXPECT_EQ(folder.names(), (Words{"dangling", "file", "loop"}));
     EXPECT_EQ(readFile(folder.path("file")), "kept");
 }
 
@@ -118,6 +124,26 @@ TEST(CodegenTest, ReplacesItsOwnFilesOnly)
     EXPECT_EQ(namesIn(out), expected) << "without first.h and first.c";
     EXPECT_EQ(readFile(out + "/build/cache") + readFile(out + "/notes.txt") + readFile(out + "/main.c"), "builtminemine too");
     EXPECT_EQ(folder.names(), Words{"out"});
+}
+
+/// A new file that has vanished is a stand-in for any failure on the way.
+TEST(OutputFolderTest, PutsTheOldFilesBackWhenAMoveFails)
+{
+    const TempFolder folder;
+    {
+        OutputFolder output(folder.path("out"), false);
+        output.write("a.c", "old a");
+        output.write("b.c", "old b");
+        output.commit();
+    }
+    OutputFolder output(folder.path("out"), true);
+    output.write("a.c", "new a");
+    output.write("b.c", "new b");
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder.path("out")))
+        if (entry.is_directory())
+            fs::remove(entry.path() / "b.c");
+    EXPECT_THROW(output.commit(), Failure);
+    EXPECT_EQ(readFile(folder.path("out/a.c")) + readFile(folder.path("out/b.c")), "old aold b");
 }
 
 TEST(CodegenTest, NeverReplacesAFolderThatItDidNotWrite)
