@@ -100,12 +100,13 @@ void VektCGEstTForm::emitMinimalSet(const FitLocals& v, Expr n)
     callOutlined(qre.findOrCreateFcn(), Q[0], Constraint[0], E[0], Qraux[0], Work[0], JPVT[0], v.RV[0],
                  getConstScalar(int32T(), colNum), getConstScalar(int32T(), minEqnNum), getConstScalar(booleanT(), 1));
 
-    append("The row with the entry of largest magnitude is the most accurate one.");
+    append("The row with the entry of largest magnitude is the most accurate one. The matrix is symmetric: each entry of its "
+           "upper triangle stands for two.");
     Assign(maxSum, 0);
     Assign(v.bestCol, 0);
     {
         ForBlock perRow(*this, v.i, colNum);
-        ForBlock perColumn(*this, v.j, colNum);
+        CForBlock perColumn(*this, v.j, v.i, v.j < colNum);
         {
             IfBlock isDiagonal(*this, v.j == v.i);
             Assign(sum, -1);
@@ -117,6 +118,7 @@ void VektCGEstTForm::emitMinimalSet(const FitLocals& v, Expr n)
             Assign(sum, sum + Q[v.k * colNum + v.i] * Q[v.k * colNum + v.j]);
         }
         Assign(v.RV[v.i * colNum + v.j], sum);
+        Assign(v.RV[v.j * colNum + v.i], sum);
         {
             IfBlock isPositive(*this, sum >= 0);
             Assign(absSum, sum);

@@ -19,7 +19,7 @@ void VektCGEstTForm::emitDrawSample(const StepLocals& v)
         Assign(sampleIdx[i], 0);
         return;
     }
-    append("Random sample of distinct pairs, each drawn at most maxDuplicateTries times.");
+    append("Random sample of distinct pairs, each drawn at most maxDuplicateTries times. A loop is left by its counter.");
     const Expr j = createLocal("j", DT_UINT32);
     const Expr k = createLocal("k", DT_UINT32);
     const Expr isDuplicate = createLocal("isDuplicate", DT_BOOLEAN);
