@@ -20,7 +20,7 @@ Dims sizeOfPoints(esttform::Layout layout, std::int32_t ptsNum) noexcept;
 /// @param maxPtsNum       point pairs of a step; with variable size, the bound
 /// @param blockPath       as Options::blockPath
 /// @throws Error  Usage: a data type or a number of pairs that no block takes; Load: the block is not found
-BlockSetup pointBlockSetup(const esttform::Params& params, esttform::DataType pointsType, std::int32_t maxPtsNum,
-                           bool isVariableSize, const std::string& blockPath);
+ESTTFORM_API BlockSetup pointBlockSetup(const esttform::Params& params, esttform::DataType pointsType, std::int32_t maxPtsNum,
+                                        bool isVariableSize, const std::string& blockPath);
 
 }  // namespace blockhost

@@ -71,9 +71,10 @@ std::string glueText(const std::string& header)
     return GLUE_HEAD + table + "    {0, 0, 0, 0}};\n";
 }
 
+/// With the flags of the build, so that generated code runs under the sanitizers that the tests run under.
 std::string compilerWith(const CompileOptions& options)
 {
-    return std::string(C_COMPILER) + " -fPIC -ffp-contract=off " + options.flags + " ";
+    return std::string(C_COMPILER) + " " + C_FLAGS + " -fPIC -ffp-contract=off " + options.flags + " ";
 }
 
 const char* const STRICT = "-std=c99 -pedantic -Wall -Wextra -Wconversion -Wdouble-promotion -Wshadow -Werror ";
