@@ -5,7 +5,7 @@
 #include "not_found.h"
 #include "number_text.h"
 #include "option_checks.h"
-#include "plot.h"
+#include "plot_scene.h"
 
 #include <fmt/format.h>
 
@@ -37,23 +37,17 @@ class PlotChoice {
 public:
     explicit PlotChoice(std::optional<std::int64_t> wanted) : mWanted(wanted) {}
 
-    void offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout)
+    void offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout, const BlockSetup& setup)
     {
         const bool isBetter = mWanted ? label.step == *mWanted : !mScene || (!mIsFound && result.isFound());
         if (!isBetter)
             return;
         mIsFound = result.isFound();
-        mScene = PlotScene{};
-        mScene->pairs = frame.pairs;
-        if (result.inliers != nullptr)
-            mScene->inliers.assign(result.inliers, result.inliers + result.ptsNum);
-        if (mIsFound)
-            mScene->map = mapOf(result, layout);
-        mScene->step = label;
+        mScene = sceneOf(label, frame.pairs, result, layout, setup);
     }
 
     /// @throws Failure  the step asked for did not come
-    const PlotScene& scene(std::int64_t stepNum) const
+    PlotScene& scene(std::int64_t stepNum)
     {
         if (!mScene)
             throw Failure(fmt::format("--plot-step: got {}, expected a step from 0 to {}", mWanted.value_or(0), stepNum - 1));
@@ -78,6 +72,8 @@ void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
                       "--no-inlier-output");
     if (o.plotStep && o.plotPath.empty())
         throw Failure("--plot-step: no effect without --plot");
+    if ((!o.image1Path.empty() || !o.image2Path.empty()) && o.plotPath.empty())
+        throw Failure(fmt::format("{}: no effect without --plot", o.image1Path.empty() ? "--image2" : "--image1"));
     if (o.plotPath == "-")
         throw Failure("--plot: got \"-\", expected a file");
     const std::pair<const char*, const std::string&> outputs[] = {
@@ -90,6 +86,26 @@ void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
                 throw Failure(fmt::format("{} and {}: both write to {}", earlier.first, output.first,
                                           output.second == "-" ? "standard output" : output.second));
         }
+}
+
+/// Reads the images and says when the points of a scene do not lie on them.
+void addImages(PlotScene& scene, const std::shared_ptr<const Picture>& image1, const std::shared_ptr<const Picture>& image2,
+               const Warnings& warnings)
+{
+    scene.image1 = image1;
+    scene.image2 = image2;
+    int setIdx = 0;
+    for (const auto& image : {image1, image2}) {
+        const std::string text = image ? pictureWarning(*image, scene.pairs, setIdx) : "";
+        if (!text.empty())
+            warnings.print(image->name, text);
+        ++setIdx;
+    }
+}
+
+std::shared_ptr<const Picture> imageOf(const std::string& path)
+{
+    return path.empty() ? nullptr : std::make_shared<const Picture>(readPng(path));
 }
 
 std::string whereOf(const StepLabel& label, const MatchReader& reader)
@@ -115,6 +131,9 @@ void addEstimateOptions(CLI::App& command, EstimateOptions& o)
         ->type_name("FILE")->group(OUTPUT);
     command.add_option("--plot-step", o.plotStep, "step that is drawn, from 0 (default: the first with a result)")
         ->check(wholeBetween(0, std::numeric_limits<std::int64_t>::max()))->type_name("K")->group(OUTPUT);
+    command.add_option("--image1", o.image1Path, "PNG image that the first points lie on, in pixels, for --plot")
+        ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--image2", o.image2Path, "the same for the second points")->type_name("FILE")->group(OUTPUT);
     command.add_flag("-q,--quiet", o.isQuiet, "no warnings on standard error; json and csv still name them")->group(OUTPUT);
 }
 
@@ -123,6 +142,7 @@ ExitCode runEstimate(const EstimateOptions& o)
     const BlockSetup setup = resolveBlockOptions(o.block);
     refuseWrongOutputs(o, setup);
     const PlotFormat plotFormat = o.plotPath.empty() ? PlotFormat::Svg : plotFormatOf(o.plotPath);
+    const std::shared_ptr<const Picture> image1 = imageOf(o.image1Path), image2 = imageOf(o.image2Path);
 
     ReaderOptions readerOptions;
     readerOptions.pointsType = setup.pointsType;
@@ -155,7 +175,7 @@ ExitCode runEstimate(const EstimateOptions& o)
         if (inlierWriter)
             inlierWriter->write(*frame, result);
         if (plotFile)
-            plotChoice.offer(label, *frame, result, layout);
+            plotChoice.offer(label, *frame, result, layout, setup);
         for (const Message& warning : result.warnings)
             warnings.print(whereOf(label, reader), fmt::format("{}: {}{}", warning.id, warning.text,
                                                                warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
@@ -169,8 +189,11 @@ ExitCode runEstimate(const EstimateOptions& o)
         warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
                                                   counted(source.pairNum(), "pair"),
                                                   setup.isRobust ? "; they are never inliers" : ""));
-    if (plotFile)
-        plotFile->write(renderPlot(plotChoice.scene(label.step), reader.name(), setup.typeText(), plotFormat));
+    if (plotFile) {
+        PlotScene& scene = plotChoice.scene(label.step);
+        addImages(scene, image1, image2, warnings);
+        plotFile->write(renderPlot(scene, reader.name(), setup.typeText(), plotFormat));
+    }
 
     output.commit();
     if (inlierWriter)
