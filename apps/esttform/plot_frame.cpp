@@ -12,6 +12,7 @@ namespace {
 constexpr double TICK_SPACING = 75.0;
 constexpr double AXIS_NAME_WIDTH = 30.0;                 ///< left of the tick labels
 constexpr double AXIS_NAME_GAP = 16.0;                   ///< from the left end to the baseline of the upright name
+constexpr double AXIS_NAME_ASCENT = 4.0;                 ///< of that name, when it is right of the frame
 
 int tickNumFor(double length) noexcept
 {
@@ -28,7 +29,7 @@ std::string tickText(double tick, const std::vector<double>& ticks)
     return fmt::format("{:.{}f}", tick, step >= 1.0 ? 0 : static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
 }
 
-double leftRoom(const std::vector<double>& yTicks, PlotCanvas& canvas)
+double axisRoom(const std::vector<double>& yTicks, PlotCanvas& canvas)
 {
     double labelWidth = 0.0;
     canvas.setFont(TICK_SIZE, false);
@@ -46,7 +47,7 @@ PlotFrame frameOf(PlotBox view, const FrameLimits& limits, double outerLeft, dou
     view = {view.left - dx, view.top - dy, view.right + dx, view.bottom + dy};
     PlotFrame frame{view, outerLeft, top, width, height, scale,
                     ticksOf(view.left, view.right, tickNumFor(width)), ticksOf(view.top, view.bottom, tickNumFor(height))};
-    frame.left += leftRoom(frame.yTicks, canvas);
+    frame.left += axisRoom(frame.yTicks, canvas);
     return frame;
 }
 
@@ -67,11 +68,12 @@ void drawYTick(PlotCanvas& canvas, const PlotFrame& frame, double y, const std::
     cairo_t* const cr = canvas.context();
     cairo_set_source_rgb(cr, 0.2, 0.2, 0.2);
     cairo_set_line_width(cr, 0.8);
-    cairo_move_to(cr, frame.left, y);
-    cairo_line_to(cr, frame.left - TICK_LENGTH, y);
+    const double edge = frame.isYAxisRight ? frame.right() : frame.left, outward = frame.isYAxisRight ? 1.0 : -1.0;
+    cairo_move_to(cr, edge, y);
+    cairo_line_to(cr, edge + outward * TICK_LENGTH, y);
     cairo_stroke(cr);
     canvas.setFont(TICK_SIZE, false);
-    canvas.drawText(text, frame.left - TICK_LENGTH - 3.0, y + 3.4, 1.0);
+    canvas.drawText(text, edge + outward * (TICK_LENGTH + 3.0), y + 3.4, frame.isYAxisRight ? 0.0 : 1.0);
 }
 
 void drawEdge(PlotCanvas& canvas, const PlotFrame& frame, const std::string& xName, const std::string& yName)
@@ -84,7 +86,9 @@ void drawEdge(PlotCanvas& canvas, const PlotFrame& frame, const std::string& xNa
     canvas.setFont(TEXT_SIZE, false);
     canvas.drawText(xName, frame.left + 0.5 * frame.width, frame.bottom() + 31.0, 0.5);
     cairo_save(cr);
-    cairo_translate(cr, frame.left - leftRoom(frame.yTicks, canvas) + AXIS_NAME_GAP, frame.top + 0.5 * frame.height);
+    const double room = axisRoom(frame.yTicks, canvas) - AXIS_NAME_GAP;
+    cairo_translate(cr, frame.isYAxisRight ? frame.right() + room + AXIS_NAME_ASCENT : frame.left - room,
+                    frame.top + 0.5 * frame.height);
     cairo_rotate(cr, -std::acos(0.0));
     canvas.setFont(TEXT_SIZE, false);
     canvas.drawText(yName, 0.0, 0.0, 0.5);

@@ -25,6 +25,7 @@ struct PlotFrame {
     PlotBox view;
     double left = 0.0, top = 0.0, width = 0.0, height = 0.0, scale = 1.0;
     std::vector<double> xTicks, yTicks;
+    bool isYAxisRight = false;
 
     PlotPoint at(double x, double y) const noexcept
     {
@@ -46,13 +47,13 @@ void drawAxes(PlotCanvas& canvas, const PlotFrame& frame);
 std::string tickText(double tick, const std::vector<double>& ticks);
 /// Draws a tick with its label below the frame, at a place of the page.
 void drawXTick(PlotCanvas& canvas, const PlotFrame& frame, double x, const std::string& text);
-/// The same left of the frame.
+/// The same beside the frame.
 void drawYTick(PlotCanvas& canvas, const PlotFrame& frame, double y, const std::string& text);
 /// Draws the edge of the frame and the names of the axes.
 void drawEdge(PlotCanvas& canvas, const PlotFrame& frame, const std::string& xName, const std::string& yName);
 
-/// Room that the axis' name and the widest label take left of a frame.
-double leftRoom(const std::vector<double>& yTicks, PlotCanvas& canvas);
+/// Room that the y axis' name and the widest label take beside a frame.
+double axisRoom(const std::vector<double>& yTicks, PlotCanvas& canvas);
 
 /// Restricts drawing to the inside of a frame while it lives.
 class FrameClip {

@@ -108,7 +108,7 @@ HistogramPanel::HistogramPanel(const PlotScene& scene, const std::vector<Residua
     mFrame.yTicks = ticksOf(0.0, mHighest, 4);
     mFrame.yTicks.erase(std::remove_if(mFrame.yTicks.begin(), mFrame.yTicks.end(), [](double tick) { return tick != std::floor(tick); }),
                         mFrame.yTicks.end());
-    mFrame.left = place.left + leftRoom(mFrame.yTicks, measure);
+    mFrame.left = place.left + axisRoom(mFrame.yTicks, measure);
     mFrame.top = place.top + PANEL_HEADING_HEIGHT;
     mFrame.width = place.right - mFrame.left;
     mFrame.height = place.bottom - AXIS_HEIGHT - mFrame.top;
@@ -180,10 +180,10 @@ void HistogramPanel::draw(PlotCanvas& canvas) const
     }
     for (const double tick : mFrame.yTicks)
         drawYTick(canvas, mFrame, yOf(tick), tickText(tick, mFrame.yTicks));
-    drawEdge(canvas, mFrame, "distance from TForm * first point, pixels", "pairs");
+    drawEdge(canvas, mFrame, "distance of second point from TForm * first, pixels", "pairs");
     canvas.setFont(HEADING_SIZE, true);
     cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);
-    std::string text = mHasMask ? "distances: inliers filled, outliers hatched" : "distances of all pairs";
+    std::string text = mHasMask ? "inliers filled, outliers hatched" : "distances of all pairs";
     if (mHistogram.notCountedNum > 0)
         text += fmt::format(", {} without", mHistogram.notCountedNum);
     canvas.drawText(canvas.fitted(text, mFrame.width), mFrame.left, mFrame.top - 6.0);

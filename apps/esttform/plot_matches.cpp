@@ -12,8 +12,8 @@ namespace esttform::app {
 
 namespace {
 
-constexpr FrameLimits ONE_FRAME{560.0, 680.0, 160.0, 560.0};
-constexpr double PAIR_WIDTH = 620.0, PAIR_MIN_HEIGHT = 120.0, PAIR_MAX_HEIGHT = 480.0, PAIR_GAP = 14.0;
+constexpr FrameLimits ONE_FRAME{600.0, 680.0, 160.0, 560.0};
+constexpr double PAIR_WIDTH = 640.0, PAIR_MIN_HEIGHT = 120.0, PAIR_MAX_HEIGHT = 480.0, PAIR_GAP = 14.0;
 /// Ratios of width to height between which a frame of two is kept.
 constexpr double SLIMMEST = 1.0 / 3.0, WIDEST = 3.0;
 constexpr double HEADING_HEIGHT = 18.0;
@@ -21,7 +21,7 @@ constexpr double HEADING_HEIGHT = 18.0;
 /// Lines of a class; across two images they are long and hide more.
 constexpr std::int64_t LINE_MAX_NUM = 800, LONG_LINE_MAX_NUM = 100;
 
-constexpr double OUTLINE_WIDTH = 1.8, HALO_WIDTH = 3.8, FIRST_OUTLINE_WIDTH = 1.2;
+constexpr double OUTLINE_WIDTH = 1.8, HALO_WIDTH = 3.4, FIRST_OUTLINE_WIDTH = 1.2;
 constexpr double FIRST_OUTLINE_DASHES[] = {6.0, 3.0};
 
 PlotBox united(const PlotBox& a, const PlotBox& b) noexcept
@@ -52,18 +52,9 @@ void traceOutline(cairo_t* cr, const PlotFrame& frame, const Polyline& outline)
     }
 }
 
-/// A white line below what is drawn next, so that it shows on any image.
-void strokeHalo(cairo_t* cr)
-{
-    cairo_set_source_rgb(cr, 1.0, 1.0, 1.0);
-    cairo_set_line_width(cr, HALO_WIDTH);
-    cairo_stroke_preserve(cr);
-    cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);
-}
-
 void strokeFirstOutline(cairo_t* cr)
 {
-    strokeHalo(cr);
+    cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);
     cairo_set_line_width(cr, FIRST_OUTLINE_WIDTH);
     cairo_set_dash(cr, FIRST_OUTLINE_DASHES, 2, 0.0);
     cairo_stroke(cr);
@@ -72,7 +63,10 @@ void strokeFirstOutline(cairo_t* cr)
 
 void strokeCarriedOutline(cairo_t* cr)
 {
-    strokeHalo(cr);
+    cairo_set_source_rgb(cr, 1.0, 1.0, 1.0);             // a halo, so that the line shows on any image
+    cairo_set_line_width(cr, HALO_WIDTH);
+    cairo_stroke_preserve(cr);
+    cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);
     cairo_set_line_width(cr, OUTLINE_WIDTH);
     cairo_stroke(cr);
 }
@@ -121,7 +115,9 @@ struct MatchPanel::Content {
             return FrameLimits{aspectOf(view) * height, aspectOf(view) * height, height, height};
         };
         first = frameOf(firstView, limits(firstView), 0.0, top + HEADING_HEIGHT, measure);
-        second = frameOf(secondView, limits(secondView), first.right() + PAIR_GAP, top + HEADING_HEIGHT, measure);
+        second = frameOf(secondView, limits(secondView), first.right(), top + HEADING_HEIGHT, measure);
+        second.isYAxisRight = true;                      // the lines of the matches come from the left
+        second.left = first.right() + PAIR_GAP;
     }
 };
 
@@ -134,6 +130,7 @@ MatchPanel::MatchPanel(const PlotScene& scene, const Content& content, PlotCanva
     : mScene(scene), mIsSideBySide(content.isSideBySide), mOutlined(content.outlined), mCarried(content.carried),
       mFirst(content.first), mSecond(content.second),
       mMarks(scene, mFirst, mSecond, mIsSideBySide ? LONG_LINE_MAX_NUM : LINE_MAX_NUM),
+      mRight(mSecond.right() + (mIsSideBySide ? axisRoom(mSecond.yTicks, measure) : 0.0)),
       mLegendTop(mFirst.bottom() + AXIS_HEIGHT), mLegendHeight(legendHeight(measure, legend(), right() - left()))
 {
 }
@@ -176,14 +173,14 @@ void MatchPanel::draw(PlotCanvas& canvas) const
     mMarks.draw(cr);
     if (mScene.map) {
         {
-            const FrameClip clip(cr, mSecond);
-            for (const Polyline& part : mCarried)
-                traceOutline(cr, mSecond, part);
-            strokeCarriedOutline(cr);
+            const FrameClip clip(cr, mFirst);
+            traceOutline(cr, mFirst, outlineOf(mOutlined));
+            strokeFirstOutline(cr);
         }
-        const FrameClip clip(cr, mFirst);
-        traceOutline(cr, mFirst, outlineOf(mOutlined));
-        strokeFirstOutline(cr);
+        const FrameClip clip(cr, mSecond);
+        for (const Polyline& part : mCarried)
+            traceOutline(cr, mSecond, part);
+        strokeCarriedOutline(cr);
     }
     drawAxes(canvas, mFirst);
     if (mIsSideBySide) {

@@ -21,9 +21,9 @@ public:
 
     void draw(PlotCanvas& canvas) const;
 
-    /// Left end of the frames and right end of all.
+    /// Left end of the frames, and right end of all.
     double left() const noexcept { return mFirst.left; }
-    double right() const noexcept { return mSecond.right(); }
+    double right() const noexcept { return mRight; }
     double bottom() const noexcept { return mLegendTop + mLegendHeight; }
 
 private:
@@ -39,7 +39,7 @@ private:
     std::vector<Polyline> mCarried;
     PlotFrame mFirst, mSecond;               ///< the same in one frame
     MatchMarks mMarks;
-    double mLegendTop, mLegendHeight;
+    double mRight, mLegendTop, mLegendHeight;
 };
 
 }  // namespace esttform::app

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t VECTOR_MAX_NUM = 500;
 /// Length on the page that nine vectors in ten stay below.
-constexpr double WANTED_LENGTH = 18.0;
+constexpr double WANTED_LENGTH = 24.0;
 constexpr double LONG_SHARE = 0.9;
 /// Residuals that need more are rounding errors; they are drawn as dots.
 constexpr double MAGNIFICATION_MAX = 1e4;
@@ -47,7 +47,7 @@ ResidualPanel::ResidualPanel(const PlotScene& scene, const std::vector<Residual>
             mVectors.push_back(residuals[i]);
             drawn.push_back(scene.pairs[i]);
         }
-    const PlotBox points = scene.image2 ? PlotBox{0.0, 0.0, scene.image2->width - 1.0, scene.image2->height - 1.0} : boxOfSet(drawn, 1);
+    const PlotBox points = boxOfSet(drawn, 1);
     const double height = place.height() - PANEL_HEADING_HEIGHT - AXIS_HEIGHT;
     const PlotBox view = viewOf(points, points, {});
     mFrame = frameOf(view, {1.0, place.width(), height, height}, place.left, place.top + PANEL_HEADING_HEIGHT, measure);
@@ -83,14 +83,14 @@ void ResidualPanel::draw(PlotCanvas& canvas) const
         cairo_set_line_cap(cr, CAIRO_LINE_CAP_BUTT);
     }
     drawAxes(canvas, mFrame);
-    std::string text = fmt::format("residuals of the {}s", mNoun);
+    std::string text = mVectors.empty() ? "no residuals" : mNoun + " residuals";
     if (mMagnification > 1.0)
         text += fmt::format(", {:g} times as long", mMagnification);
     if (mStride > 1)
-        text += fmt::format(", 1 in {}", mStride);
+        text += fmt::format(" (1 in {})", mStride);
     canvas.setFont(HEADING_SIZE, true);
     cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);
-    canvas.drawText(canvas.fitted(mVectors.empty() ? "no residuals" : text, mFrame.width), mFrame.left, mFrame.top - 6.0);
+    canvas.drawText(canvas.fitted(text, mFrame.width), mFrame.left, mFrame.top - 6.0);
 }
 
 }  // namespace esttform::app
