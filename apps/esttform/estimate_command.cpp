@@ -6,31 +6,16 @@
 #include "number_text.h"
 #include "option_checks.h"
 #include "plot_scene.h"
+#include "warnings.h"
 
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <limits>
 #include <memory>
 
 namespace esttform::app {
 
 namespace {
-
-/// Prints warnings to standard error unless they are not wanted.
-class Warnings {
-public:
-    explicit Warnings(bool isQuiet) : mIsQuiet(isQuiet) {}
-
-    void print(const std::string& where, const std::string& text) const
-    {
-        if (!mIsQuiet)
-            fmt::print(stderr, "esttform: warning: {}: {}\n", where, text);
-    }
-
-private:
-    bool mIsQuiet;
-};
 
 /// The step that is drawn: the one asked for, or the first with a result, or the first.
 class PlotChoice {
@@ -60,11 +45,6 @@ private:
     bool mIsFound = false;
 };
 
-Format formatOf(const std::string& name)
-{
-    return name == "json" ? Format::Json : name == "csv" ? Format::Csv : Format::Text;
-}
-
 void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
 {
     if (!o.inliersPath.empty() && !setup.hasInlierOutput)
@@ -76,21 +56,12 @@ void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
         throw Failure(fmt::format("{}: no effect without --plot", o.image1Path.empty() ? "--image2" : "--image1"));
     if (o.plotPath == "-")
         throw Failure("--plot: got \"-\", expected a file");
-    const std::pair<const char*, const std::string&> outputs[] = {
-        {"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath}};
-    for (const auto& output : outputs)
-        for (const auto& earlier : outputs) {
-            if (&earlier == &output)
-                break;
-            if (!earlier.second.empty() && !output.second.empty() && isSameOutput(earlier.second, output.second))
-                throw Failure(fmt::format("{} and {}: both write to {}", earlier.first, output.first,
-                                          output.second == "-" ? "standard output" : output.second));
-        }
+    refuseSameOutputs({{"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath}});
 }
 
 /// Reads the images and says when the points of a scene do not lie on them.
 void addImages(PlotScene& scene, const std::shared_ptr<const Picture>& image1, const std::shared_ptr<const Picture>& image2,
-               const Warnings& warnings)
+               Warnings& warnings)
 {
     scene.image1 = image1;
     scene.image2 = image2;
@@ -161,7 +132,7 @@ ExitCode runEstimate(const EstimateOptions& o)
     if (!o.plotPath.empty())
         plotFile = std::make_unique<OutputFile>(o.plotPath);
 
-    const Warnings warnings(o.isQuiet);
+    Warnings warnings(o.isQuiet);
     ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
     PlotChoice plotChoice(o.plotStep);
     std::int64_t foundNum = 0;

@@ -33,7 +33,8 @@ void drawTitle(PlotCanvas& canvas, const PlotScene& scene, const std::string& in
                                      : fmt::format("no {} transformation found", typeText);
     if (scene.step.frame)
         subtitle += fmt::format(", step {} (frame {})", scene.step.step, *scene.step.frame);
-    subtitle += ", " + fileNameOf(inputName);
+    if (!inputName.empty())
+        subtitle += ", " + fileNameOf(inputName);
 
     cairo_set_source_rgb(canvas.context(), 0.0, 0.0, 0.0);
     canvas.setFont(TITLE_SIZE, true);
@@ -44,11 +45,17 @@ void drawTitle(PlotCanvas& canvas, const PlotScene& scene, const std::string& in
 
 }  // namespace
 
-PlotFormat plotFormatOf(const std::string& path)
+std::string extensionOf(const std::string& path)
 {
     std::string extension = std::filesystem::path(path).extension().string();
     for (char& c : extension)
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return extension;
+}
+
+PlotFormat plotFormatOf(const std::string& path)
+{
+    const std::string extension = extensionOf(path);
     if (extension == ".svg")
         return PlotFormat::Svg;
     if (extension == ".png")

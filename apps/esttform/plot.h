@@ -18,6 +18,9 @@ namespace esttform::app {
 
 enum class PlotFormat { Svg, Png, Pdf };
 
+/// ".png" for "a.PNG"; empty without an extension.
+std::string extensionOf(const std::string& path);
+
 /// The format that a file name's extension stands for.
 ///
 /// @throws Failure  another extension
@@ -38,7 +41,7 @@ struct PlotScene {
 /// Of many pairs only some lines and residual vectors are drawn, which the legend says; every point is. Pairs that are not
 /// finite or far from all others are left out and counted. Images are grey and faded, so that marks of every colour show.
 ///
-/// @param inputName  of the matches, for the title
+/// @param inputName  of the matches, for the title; empty: none
 /// @param typeText   "similarity", "affine" or "projective"
 /// @return the file's bytes
 /// @throws Failure (OurFault) if the drawing library fails

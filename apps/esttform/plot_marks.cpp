@@ -105,9 +105,10 @@ MatchMarks::MatchMarks(const PlotScene& scene, const PlotFrame& first, const Plo
     : mRadius(radiusFor(scene.pairs.size()))
 {
     const bool hasMask = !scene.inliers.empty();
+    const double tint = scene.image1 || scene.image2 ? 0.1 : 0.4;      // pale lines would be lost on an image
     // Blue and vermilion: told apart by colour-blind people.
-    mClasses.push_back({"outlier", 0.835, 0.369, 0.0, 0.45, true, true, 0, 1, {}, {}, {}});
-    mClasses.push_back({hasMask ? "inlier" : "pair", 0.0, 0.34, 0.62, 0.4, false, false, 0, 1, {}, {}, {}});
+    mClasses.push_back({"outlier", 0.835, 0.369, 0.0, tint, true, true, 0, 1, {}, {}, {}});
+    mClasses.push_back({hasMask ? "inlier" : "pair", 0.0, 0.34, 0.62, tint, false, false, 0, 1, {}, {}, {}});
     for (std::size_t i = 0; i < scene.pairs.size(); ++i) {
         const Pair& pair = scene.pairs[i];
         MarkClass& c = mClasses[hasMask && scene.inliers[i] == 0 ? 0 : 1];

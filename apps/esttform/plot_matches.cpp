@@ -12,7 +12,7 @@ namespace esttform::app {
 
 namespace {
 
-constexpr FrameLimits ONE_FRAME{600.0, 680.0, 160.0, 560.0};
+constexpr FrameLimits ONE_FRAME{600.0, 680.0, 160.0, 520.0};
 constexpr double PAIR_WIDTH = 640.0, PAIR_MIN_HEIGHT = 120.0, PAIR_MAX_HEIGHT = 480.0, PAIR_GAP = 14.0;
 /// Ratios of width to height between which a frame of two is kept.
 constexpr double SLIMMEST = 1.0 / 3.0, WIDEST = 3.0;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <memory>
 
 namespace esttform::app {
@@ -13,8 +12,8 @@ using Surface = std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)>;
 
 /// Black becomes this grey; white stays.
 constexpr std::uint32_t DARKEST = 112;
-/// Greys are rounded to multiples of this: not visible, and the file shrinks by a third.
-constexpr std::uint32_t GREY_STEP = 4;
+/// Greys are rounded to multiples of this: hardly visible, and the file is smaller.
+constexpr std::uint32_t GREY_STEP = 6;
 
 /// Weights of red, green and blue in the luminance, in 1/1000 (Rec. 601).
 std::uint32_t fadedGrey(std::uint32_t pixel) noexcept
@@ -51,19 +50,25 @@ void paintScaled(cairo_t* cr, cairo_surface_t* source, double width, double heig
     cairo_fill(cr);
 }
 
+/// The drawing library's limit of a surface's width and height.
+constexpr int SIDE_MAX = 32767;
+
 /// The image, shrunk to at most this size.
 Surface shrunk(const Picture& picture, int maxWidth, int maxHeight)
 {
-    Surface full = surfaceOf(picture.width, picture.height);
+    const int step = 1 + (std::max(picture.width, picture.height) - 1) / SIDE_MAX;   // nearly always 1
+    Surface full = surfaceOf((picture.width + step - 1) / step, (picture.height + step - 1) / step);
     if (cairo_surface_status(full.get()) != CAIRO_STATUS_SUCCESS)
         return full;
-    const auto width = static_cast<std::size_t>(picture.width);
+    const int fullWidth = cairo_image_surface_get_width(full.get()), fullHeight = cairo_image_surface_get_height(full.get());
     eachRow(full.get(), [&](std::uint32_t* row, int y) {
-        std::memcpy(row, picture.pixels.data() + static_cast<std::size_t>(y) * width, width * sizeof(std::uint32_t));
+        const std::uint32_t* from = picture.pixels.data() + static_cast<std::ptrdiff_t>(y) * step * picture.width;
+        for (int x = 0; x < fullWidth; ++x, from += step)
+            row[x] = *from;
     });
-    if (picture.width <= maxWidth && picture.height <= maxHeight)
+    if (fullWidth <= maxWidth && fullHeight <= maxHeight)
         return full;
-    Surface small = surfaceOf(std::min(picture.width, maxWidth), std::min(picture.height, maxHeight));
+    Surface small = surfaceOf(std::min(fullWidth, maxWidth), std::min(fullHeight, maxHeight));
     cairo_t* const cr = cairo_create(small.get());
     paintScaled(cr, full.get(), cairo_image_surface_get_width(small.get()), cairo_image_surface_get_height(small.get()));
     cairo_destroy(cr);

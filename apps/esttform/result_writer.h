@@ -13,6 +13,9 @@ namespace esttform::app {
 
 enum class Format { Text, Json, Csv };
 
+/// The format of a word that --format admits.
+Format formatOf(const std::string& name) noexcept;
+
 /// What a writer needs to know about a step besides its result.
 struct StepLabel {
     std::int64_t step = 0;               ///< counted from 0
