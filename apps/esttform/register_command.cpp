@@ -7,8 +7,8 @@
 #include "output_file.h"
 #include "plot_scene.h"
 #include "register_pictures.h"
+#include "report.h"
 #include "result_writer.h"
-#include "warnings.h"
 
 #include <fmt/format.h>
 
@@ -27,7 +27,7 @@ void refuseWrongOptions(const RegisterOptions& o, const BlockSetup& setup)
         throw Failure(fmt::format("--points-type: got {}, expected double or single: features lie between pixels",
                                   typeName(setup.pointsType)));
     refuseSameOutputs({{"--output", o.outputPath}, {"--matches", o.matchesPath}, {"--plot", o.plotPath},
-                       {"--warped", o.warpedPath}, {"--blended", o.blendedPath}});
+                       {"--warped", o.warpedPath}, {"--blended", o.blendedPath}, {"--report", o.reportPath}});
     for (const auto& [option, path] : {std::pair{"--warped", o.warpedPath}, std::pair{"--blended", o.blendedPath}})
         if (!path.empty())
             checkPictureName(option, path);
@@ -66,6 +66,8 @@ void addRegisterOptions(CLI::App& command, RegisterOptions& o)
     command.add_option("--matches", o.matchesPath, "CSV file of the matches, for 'estimate'")->type_name("FILE")->group(OUTPUT);
     command.add_option("--plot", o.plotPath, "both pictures with the matches; the name ends in .svg, .png or .pdf")
         ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--report", o.reportPath, "HTML page with settings, result, warnings and picture")
+        ->type_name("FILE")->group(OUTPUT);
     command.add_option("--warped", o.warpedPath, "the second picture as the first one sees it; .png or .jpg")
         ->type_name("FILE")->group(OUTPUT);
     command.add_option("--blended", o.blendedPath, "that and the first picture, half and half; .png or .jpg")
@@ -84,7 +86,7 @@ ExitCode runRegister(const RegisterOptions& o)
         checkWarpable({image1.get(), image2.get()});
     OutputFile output(o.outputPath);
     std::optional<OutputFile> matchesFile = fileOf(o.matchesPath), plotFile = fileOf(o.plotPath),
-                              warpedFile = fileOf(o.warpedPath), blendedFile = fileOf(o.blendedPath);
+                              warpedFile = fileOf(o.warpedPath), blendedFile = fileOf(o.blendedPath), reportFile = fileOf(o.reportPath);
 
     const FeatureMatches matches = matchesOf(vision, *image1, *image2, o.features);
     const std::string name = fmt::format("{}, {}", o.image1Path, o.image2Path);
@@ -115,11 +117,18 @@ ExitCode runRegister(const RegisterOptions& o)
                                          countedMatches(frame.pairs.size()), setup.sampleSize(), setup.typeText()));
     if (matchesFile)
         writeMatches(*matchesFile, frame.pairs);
-    if (plotFile) {
-        PlotScene scene = sceneOf({}, frame.pairs, result, layout, setup);
-        scene.image1 = image1;
-        scene.image2 = image2;
-        plotFile->write(renderPlot(scene, "", setup.typeText(), plotFormat));
+    if (plotFile || reportFile) {
+        Report report;
+        report.inputName = name;
+        report.scene = sceneOf({}, frame.pairs, result, layout, setup);
+        report.scene.image1 = image1;
+        report.scene.image2 = image2;
+        report.result = shownResultOf(result, layout);
+        report.warnings = warnings.kept();
+        if (plotFile)
+            plotFile->write(renderPlot(report.scene, "", setup.typeText(), plotFormat));
+        if (reportFile)
+            reportFile->write(renderReport(report, setup));
     }
     if (result.isFound() && (warpedFile || blendedFile)) {
         const PointMap map = mapOf(result, layout);
@@ -135,7 +144,7 @@ ExitCode runRegister(const RegisterOptions& o)
     }
 
     output.commit();
-    for (std::optional<OutputFile>* const file : {&matchesFile, &plotFile, &warpedFile, &blendedFile})
+    for (std::optional<OutputFile>* const file : {&matchesFile, &plotFile, &warpedFile, &blendedFile, &reportFile})
         if (*file)
             (*file)->commit();
     return result.isFound() ? ExitCode::Done : ExitCode::NothingFound;

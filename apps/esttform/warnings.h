@@ -12,6 +12,9 @@ namespace esttform::app {
 
 class Warnings {
 public:
+    /// Where, and what.
+    using Entry = std::pair<std::string, std::string>;
+
     explicit Warnings(bool isQuiet) : mIsQuiet(isQuiet) {}
 
     void print(const std::string& where, const std::string& text)
@@ -21,14 +24,14 @@ public:
         if (mKept.size() < KEPT_MAX_NUM)
             mKept.emplace_back(where, text);
     }
-    /// The first warnings, where and what; a long stream may have millions.
-    const std::vector<std::pair<std::string, std::string>>& kept() const noexcept { return mKept; }
+    /// The first warnings; a long stream may have millions.
+    const std::vector<Entry>& kept() const noexcept { return mKept; }
 
 private:
     static constexpr std::size_t KEPT_MAX_NUM = 50;
 
     bool mIsQuiet;
-    std::vector<std::pair<std::string, std::string>> mKept;
+    std::vector<Entry> mKept;
 };
 
 }  // namespace esttform::app
