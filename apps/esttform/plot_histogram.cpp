@@ -69,7 +69,8 @@ std::int64_t Histogram::highest() const noexcept
     return highest;
 }
 
-Histogram histogramOf(const std::vector<Residual>& residuals, const std::vector<std::uint8_t>& inliers)
+Histogram histogramOf(const std::vector<Residual>& residuals, const std::vector<std::uint8_t>& inliers,
+                      const std::optional<ThresholdRange>& threshold)
 {
     Histogram h;
     std::vector<double> distances;
@@ -81,8 +82,9 @@ Histogram histogramOf(const std::vector<Residual>& residuals, const std::vector<
         distances.push_back(1.0);                        // for an axis only
     std::sort(distances.begin(), distances.end());
     const auto tail = static_cast<std::size_t>(TAIL_SHARE * static_cast<double>(distances.size() - 1));
-    h.lowDecade = std::max(LOWEST_DECADE, decadeOf(distances[tail], std::floor));
-    h.highDecade = std::max(h.lowDecade + 1, decadeOf(distances[distances.size() - 1 - tail], std::ceil));
+    const double lowest = distances[tail], highest = distances[distances.size() - 1 - tail];
+    h.lowDecade = std::max(LOWEST_DECADE, decadeOf(threshold ? std::min(lowest, threshold->low) : lowest, std::floor));
+    h.highDecade = std::max(h.lowDecade + 1, decadeOf(threshold ? std::max(highest, threshold->high) : highest, std::ceil));
     h.highDecade = std::min(h.highDecade, h.lowDecade + DECADE_MAX_NUM);
     const int binNum = (h.highDecade - h.lowDecade) * Histogram::BINS_PER_DECADE;
     h.bins.assign(static_cast<std::size_t>(binNum), {0, 0});
@@ -100,11 +102,11 @@ Histogram histogramOf(const std::vector<Residual>& residuals, const std::vector<
 
 HistogramPanel::HistogramPanel(const PlotScene& scene, const std::vector<Residual>& residuals, const PlotBox& place,
                                PlotCanvas& measure)
-    : mHasMask(!scene.inliers.empty()), mHistogram(histogramOf(residuals, scene.inliers)),
+    : mHasMask(!scene.inliers.empty()),
+      mThreshold(scene.threshold ? std::optional(thresholdRange(residuals, scene.inliers, *scene.threshold)) : std::nullopt),
+      mHistogram(histogramOf(residuals, scene.inliers, mThreshold)),
       mHighest(HEAD_ROOM * static_cast<double>(std::max<std::int64_t>(1, mHistogram.highest())))
 {
-    if (scene.threshold)
-        mThreshold = thresholdRange(residuals, scene.inliers, *scene.threshold);
     mFrame.yTicks = ticksOf(0.0, mHighest, 4);
     mFrame.yTicks.erase(std::remove_if(mFrame.yTicks.begin(), mFrame.yTicks.end(), [](double tick) { return tick != std::floor(tick); }),
                         mFrame.yTicks.end());

@@ -24,7 +24,9 @@ struct Histogram {
     std::int64_t highest() const noexcept;
 };
 
-Histogram histogramOf(const std::vector<Residual>& residuals, const std::vector<std::uint8_t>& inliers);
+/// @param threshold  the axis holds it, too; empty: none
+Histogram histogramOf(const std::vector<Residual>& residuals, const std::vector<std::uint8_t>& inliers,
+                      const std::optional<ThresholdRange>& threshold);
 
 class HistogramPanel {
 public:
@@ -40,8 +42,8 @@ private:
     void drawThreshold(PlotCanvas& canvas) const;
 
     bool mHasMask;
-    Histogram mHistogram;
     std::optional<ThresholdRange> mThreshold;
+    Histogram mHistogram;
     PlotFrame mFrame;
     double mHighest;                     ///< pairs at the top of the frame
 };

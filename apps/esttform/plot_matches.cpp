@@ -185,8 +185,8 @@ void MatchPanel::draw(PlotCanvas& canvas) const
     drawAxes(canvas, mFirst);
     if (mIsSideBySide) {
         drawAxes(canvas, mSecond);
-        drawHeading(canvas, mFirst, "first picture", *mScene.image1);
-        drawHeading(canvas, mSecond, "second picture", *mScene.image2);
+        drawHeading(canvas, mFirst, "first", *mScene.image1);
+        drawHeading(canvas, mSecond, "second", *mScene.image2);
     }
     drawLegend(canvas, legend(), left(), mLegendTop, right() - left());
 }

@@ -107,7 +107,8 @@ std::string residualRows(const PlotScene& scene)
         return {};
     std::sort(distances.begin(), distances.end());
     const auto quantile = [&distances](double share) {
-        return fmt::format("{:.3g} px", distances[static_cast<std::size_t>(share * static_cast<double>(distances.size() - 1))]);
+        const double distance = distances[static_cast<std::size_t>(share * static_cast<double>(distances.size() - 1))];
+        return distance < 1e-3 ? "less than 0.001 px" : fmt::format("{:.3g} px", distance);
     };
     const char* const whose = scene.inliers.empty() ? "pairs" : "inliers";
     return html::row({fmt::format("residual of the {}, median", whose), quantile(0.5)})
@@ -151,8 +152,8 @@ std::string settingsSection(const BlockSetup& setup)
         text += html::row({info.name, exactText(value) + (isDefault ? "" : fmt::format(" (default {})", exactText(info.defaultValue))),
                            info.unit, info.meaning});
     }
-    text += html::row({"seed", setup.options.seed ? fmt::format("{}", *setup.options.seed) : "none: another run may differ a little",
-                       "", "Start of the random numbers."});
+    text += html::row({"seed", setup.options.seed ? fmt::format("{}", *setup.options.seed) : "none", "",
+                       "Start of the random numbers; without one, another run may differ a little."});
     return html::section("Settings", text + "</table>\n");
 }
 

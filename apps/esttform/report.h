@@ -39,7 +39,7 @@ struct Report {
     std::vector<Warnings::Entry> warnings;
 };
 
-/// The page. The same report gives the same bytes.
+/// The page, without a date: programs that differ in nothing else write the same bytes.
 ///
 /// @throws Failure  as renderPlot
 std::string renderReport(const Report& report, const BlockSetup& setup);
