@@ -63,7 +63,9 @@ Picture blended(const Picture& first, const Picture& warped, const Picture& seco
         for (int x = 0; x < first.width; ++x, ++i) {
             const auto [xw, yw, w] = map.apply(x, y);
             constexpr std::uint32_t HIGH_BITS = 0xfefefeU;         // of each colour: halves do not run into the neighbour
-            if (second.contains(xw / w, yw / w))
+            const double x2 = xw / w, y2 = yw / w;
+            // Beyond the outermost pixels' centres the warped picture fades to black.
+            if (x2 >= 0.0 && y2 >= 0.0 && x2 <= second.width - 1.0 && y2 <= second.height - 1.0)
                 picture.pixels[i] = ((first.pixels[i] & HIGH_BITS) >> 1) + ((warped.pixels[i] & HIGH_BITS) >> 1);
         }
     return picture;
