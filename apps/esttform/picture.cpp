@@ -84,10 +84,10 @@ Picture readPng(const std::string& path)
     cairo_surface_flush(opaque.get());
     const auto width = static_cast<std::size_t>(picture.width);
     picture.pixels.resize(width * static_cast<std::size_t>(picture.height));
-    for (int y = 0; y < picture.height; ++y)
-        std::memcpy(picture.pixels.data() + static_cast<std::size_t>(y) * width,
-                    cairo_image_surface_get_data(opaque.get()) + static_cast<std::ptrdiff_t>(y) * cairo_image_surface_get_stride(opaque.get()),
-                    width * sizeof(std::uint32_t));
+    const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(opaque.get()));
+    const unsigned char* const rows = cairo_image_surface_get_data(opaque.get());
+    for (std::size_t y = 0; y < static_cast<std::size_t>(picture.height); ++y)
+        std::memcpy(picture.pixels.data() + y * width, rows + y * stride, width * sizeof(std::uint32_t));
     for (std::uint32_t& pixel : picture.pixels)
         pixel &= 0xffffffU;                              // the fourth byte is not defined
     return picture;

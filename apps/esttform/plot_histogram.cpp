@@ -108,8 +108,8 @@ HistogramPanel::HistogramPanel(const PlotScene& scene, const std::vector<Residua
       mHighest(HEAD_ROOM * static_cast<double>(std::max<std::int64_t>(1, mHistogram.highest())))
 {
     mFrame.yTicks = ticksOf(0.0, mHighest, 4);
-    mFrame.yTicks.erase(std::remove_if(mFrame.yTicks.begin(), mFrame.yTicks.end(), [](double tick) { return tick != std::floor(tick); }),
-                        mFrame.yTicks.end());
+    const auto isNoCount = [](double tick) { return tick != std::floor(tick); };
+    mFrame.yTicks.erase(std::remove_if(mFrame.yTicks.begin(), mFrame.yTicks.end(), isNoCount), mFrame.yTicks.end());
     mFrame.left = place.left + axisRoom(mFrame.yTicks, measure);
     mFrame.top = place.top + PANEL_HEADING_HEIGHT;
     mFrame.width = place.right - mFrame.left;

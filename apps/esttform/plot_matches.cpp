@@ -110,7 +110,8 @@ struct MatchPanel::Content {
             return;
         }
         const PlotBox firstView = viewOf(firstBox, firstBox, {}), secondView = viewOf(secondBox, secondBox, carried);
-        const double height = std::clamp(PAIR_WIDTH / (aspectOf(firstView) + aspectOf(secondView)), PAIR_MIN_HEIGHT, PAIR_MAX_HEIGHT);
+        const double wantedHeight = PAIR_WIDTH / (aspectOf(firstView) + aspectOf(secondView));
+        const double height = std::clamp(wantedHeight, PAIR_MIN_HEIGHT, PAIR_MAX_HEIGHT);
         const auto limits = [height](const PlotBox& view) {
             return FrameLimits{aspectOf(view) * height, aspectOf(view) * height, height, height};
         };
@@ -140,8 +141,9 @@ std::vector<LegendEntry> MatchPanel::legend() const
     std::vector<LegendEntry> entries;
     for (const MarkClass* const markClass : mMarks.classes())
         if (markClass->pairNum > 0)
-            entries.push_back({markClass->legendText(),
-                               [markClass, this](cairo_t* cr) { mMarks.drawSample(cr, *markClass, LEGEND_SAMPLE_WIDTH - 8.0); }, false});
+            entries.push_back({markClass->legendText(), [markClass, this](cairo_t* cr) {
+                                   mMarks.drawSample(cr, *markClass, LEGEND_SAMPLE_WIDTH - 8.0);
+                               }, false});
     if (mScene.map) {
         const bool isImage = mScene.image1 != nullptr;
         entries.push_back(lineEntry(isImage ? "edge of the first picture" : "box of the first points", strokeFirstOutline, true));
@@ -149,7 +151,7 @@ std::vector<LegendEntry> MatchPanel::legend() const
                                     strokeCarriedOutline, false));
     }
     if (mMarks.leftOutNum() > 0)
-        entries.push_back({fmt::format("{} not finite or far outside, not drawn", counted(mMarks.leftOutNum(), "pair")), {}, false});
+        entries.push_back({counted(mMarks.leftOutNum(), "pair") + " not finite or far outside, not drawn", {}, false});
     if (!mIsSideBySide && (mScene.image1 || mScene.image2))
         entries.push_back({fmt::format("background: the {} picture, {}", mScene.image1 ? "first" : "second",
                                        fileNameOf((mScene.image1 ? mScene.image1 : mScene.image2)->name)), {}, true});

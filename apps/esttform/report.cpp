@@ -65,7 +65,7 @@ SeverityStyle styleOf(Severity severity) noexcept
 std::string finding(Severity severity, const std::string& title, const std::string& text)
 {
     const SeverityStyle style = styleOf(severity);
-    return fmt::format("<div class=\"finding {0}\"><p><span class=\"sign\">{1}</span> <strong>{0}: {2}</strong></p>\n<p>{3}</p></div>\n",
+    return fmt::format("<div class=\"finding {0}\"><p><span>{1}</span> <strong>{0}: {2}</strong></p>\n<p>{3}</p></div>\n",
                        style.name, style.sign, html::escaped(title), html::escaped(text));
 }
 
@@ -134,9 +134,10 @@ std::string pictureSection(const Report& report, const BlockSetup& setup)
     const std::string svg = renderPlot(report.scene, "", setup.typeText(), PlotFormat::Svg);
     return html::section("Picture",
                          "<figure>\n" + html::inlineSvg(svg, "Matches, residual vectors and histogram of the distances")
-                             + "<figcaption>Above: the matches; rings are first points, dots and crosses second ones, the thick line "
-                               "is where TForm maps the dashed one. Below: residual vectors from the mapped first point (dot) to its "
-                               "partner, and how many pairs lie how far from there, on a logarithmic axis.</figcaption>\n</figure>\n");
+                             + "<figcaption>Above: the matches; rings are first points, dots and crosses second ones, the thick "
+                               "line is where TForm maps the dashed one. Below: residual vectors from the mapped first point "
+                               "(dot) to its partner, and how many pairs lie how far from there, on a logarithmic "
+                               "axis.</figcaption>\n</figure>\n");
 }
 
 // ---- Settings
@@ -149,8 +150,8 @@ std::string settingsSection(const BlockSetup& setup)
             continue;
         const double value = setup.params[static_cast<std::size_t>(info.index)];
         const bool isDefault = value == info.defaultValue;
-        text += html::row({info.name, exactText(value) + (isDefault ? "" : fmt::format(" (default {})", exactText(info.defaultValue))),
-                           info.unit, info.meaning});
+        const std::string otherwise = isDefault ? "" : fmt::format(" (default {})", exactText(info.defaultValue));
+        text += html::row({info.name, exactText(value) + otherwise, info.unit, info.meaning});
     }
     text += html::row({"seed", setup.options.seed ? fmt::format("{}", *setup.options.seed) : "none", "",
                        "Start of the random numbers; without one, another run may differ a little."});

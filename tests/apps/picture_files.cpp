@@ -37,7 +37,7 @@ void writeScene(const std::string& path, int width, int height, const AffineMap&
             return low + (high - low) * static_cast<double>(generator()) / 4294967296.0;
         };
         for (int i = 0; i < 700; ++i) {
-            const double x = real(-0.3 * SCENE_WIDTH, 1.3 * SCENE_WIDTH), y = real(-0.3 * SCENE_HEIGHT, 1.3 * SCENE_HEIGHT), size = real(3.0, 18.0);
+            const double x = real(-0.3, 1.3) * SCENE_WIDTH, y = real(-0.3, 1.3) * SCENE_HEIGHT, size = real(3.0, 18.0);
             const double red = real(0.0, 1.0), green = real(0.0, 1.0), blue = real(0.0, 1.0);
             cairo_set_source_rgb(cr, red, green, blue);
             if (i % 2 == 0)

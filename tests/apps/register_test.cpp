@@ -63,8 +63,10 @@ TEST_P(RegisterPairTest, FindsTheMap)
     writeScene(first, WIDTH, HEIGHT, IDENTITY);
     writeScene(second, WIDTH, HEIGHT, GetParam().truth);
     const std::vector<std::string> settings{"--seed", "1", "--format", "json", "--type", GetParam().type};
-    std::vector<std::string> words{"register", first, second, "--matches", csv, "--blended", folder.path("b.png"),
-                                   "--warped", folder.path("w.png"), "--plot", folder.path("p.svg"), "--report", folder.path("r.html")};
+    std::vector<std::string> words{"register", first, second, "--matches", csv};
+    for (const auto& [option, name] :
+         {std::pair{"--warped", "w.png"}, {"--blended", "b.png"}, {"--plot", "p.svg"}, {"--report", "r.html"}})
+        words.insert(words.end(), {option, folder.path(name)});
     words.insert(words.end(), settings.begin(), settings.end());
     const ProgramRun run = runProgram(words);
     ASSERT_EQ(run.code, 0) << run.err;
