@@ -14,10 +14,10 @@ Vision& loadVision()
     void* const module = ::dlopen(ESTTFORM_VISION_MODULE, RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr)
         throw Failure(fmt::format("register: cannot load {}: {}", ESTTFORM_VISION_MODULE, ::dlerror()));
-    const auto vision = reinterpret_cast<Vision& (*)()>(::dlsym(module, "esttformVision"));
+    const auto vision = reinterpret_cast<Vision* (*)()>(::dlsym(module, "esttformVision"));
     if (vision == nullptr)
         throw Failure(fmt::format("register: {} is of another version", ESTTFORM_VISION_MODULE), ExitCode::OurFault);
-    return vision();
+    return *vision();
 #else
     throw Failure("register: this program was built without OpenCV; install the package libopencv-dev and build again");
 #endif

@@ -134,9 +134,9 @@ public:
 
 }  // namespace esttform::app
 
-extern "C" __attribute__((visibility("default"))) esttform::app::Vision& esttformVision()
+extern "C" __attribute__((visibility("default"))) esttform::app::Vision* esttformVision()
 {
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);   // failures are thrown
     static esttform::app::OpenCvVision vision;
-    return vision;
+    return &vision;
 }
