@@ -28,6 +28,12 @@ int decadeOf(double value, double (*round)(double)) noexcept
     return value > 0.0 ? static_cast<int>(round(std::log10(value))) : LOWEST_DECADE;
 }
 
+/// Three digits, but no exponent before there are seven.
+std::string limitText(double limit)
+{
+    return limit >= 1000.0 && limit < 1e6 ? fmt::format("{:.0f}", limit) : fmt::format("{:.3g}", limit);
+}
+
 void setColour(cairo_t* cr, bool isInlier)
 {
     if (isInlier)
@@ -157,12 +163,16 @@ void HistogramPanel::drawThreshold(PlotCanvas& canvas) const
     }
     cairo_stroke(cr);
     cairo_set_dash(cr, nullptr, 0, 0.0);
-    const std::string text = isOneLine ? fmt::format("threshold {:.3g}", mThreshold->high)
-                                       : fmt::format("threshold {:.3g} to {:.3g}", mThreshold->low, mThreshold->high);
+    const std::string text = "threshold " + (isOneLine ? "" : limitText(mThreshold->low) + " to ") + limitText(mThreshold->high);
     canvas.setFont(TEXT_SIZE, false);
     const double width = canvas.textWidth(text);
     const bool isRight = high + 6.0 + width < mFrame.right();
-    canvas.drawText(text, std::max(isRight ? high + 5.0 : low - 5.0 - width, mFrame.left + 4.0), mFrame.top + 14.0);
+    const double left = std::max(isRight ? high + 5.0 : low - 5.0 - width, mFrame.left + 4.0);
+    cairo_set_source_rgb(cr, 1.0, 1.0, 1.0);             // the text may have to lie over a line
+    cairo_rectangle(cr, left - 2.0, mFrame.top + 3.0, width + 4.0, 1.4 * TEXT_SIZE);
+    cairo_fill(cr);
+    cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);
+    canvas.drawText(text, left, mFrame.top + 14.0);
 }
 
 void HistogramPanel::draw(PlotCanvas& canvas) const
