@@ -5,11 +5,10 @@
 #include "not_found.h"
 #include "number_text.h"
 #include "option_checks.h"
-#include "plot.h"
+#include "shown_step.h"
 
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <limits>
 #include <memory>
 
@@ -17,79 +16,39 @@ namespace esttform::app {
 
 namespace {
 
-/// Prints warnings to standard error unless they are not wanted.
-class Warnings {
-public:
-    explicit Warnings(bool isQuiet) : mIsQuiet(isQuiet) {}
-
-    void print(const std::string& where, const std::string& text) const
-    {
-        if (!mIsQuiet)
-            fmt::print(stderr, "esttform: warning: {}: {}\n", where, text);
-    }
-
-private:
-    bool mIsQuiet;
-};
-
-/// The step that is drawn: the one asked for, or the first with a result, or the first.
-class PlotChoice {
-public:
-    explicit PlotChoice(std::optional<std::int64_t> wanted) : mWanted(wanted) {}
-
-    void offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout)
-    {
-        const bool isBetter = mWanted ? label.step == *mWanted : !mScene || (!mIsFound && result.isFound());
-        if (!isBetter)
-            return;
-        mIsFound = result.isFound();
-        mScene = PlotScene{};
-        mScene->pairs = frame.pairs;
-        if (result.inliers != nullptr)
-            mScene->inliers.assign(result.inliers, result.inliers + result.ptsNum);
-        if (mIsFound)
-            mScene->map = mapOf(result, layout);
-        mScene->step = label;
-    }
-
-    /// @throws Failure  the step asked for did not come
-    const PlotScene& scene(std::int64_t stepNum) const
-    {
-        if (!mScene)
-            throw Failure(fmt::format("--plot-step: got {}, expected a step from 0 to {}", mWanted.value_or(0), stepNum - 1));
-        return *mScene;
-    }
-
-private:
-    std::optional<std::int64_t> mWanted;
-    std::optional<PlotScene> mScene;
-    bool mIsFound = false;
-};
-
-Format formatOf(const std::string& name)
-{
-    return name == "json" ? Format::Json : name == "csv" ? Format::Csv : Format::Text;
-}
-
 void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
 {
     if (!o.inliersPath.empty() && !setup.hasInlierOutput)
         throw Failure("--inliers: the block has no inlier output with these settings; leave out --no-robust and "
                       "--no-inlier-output");
-    if (o.plotStep && o.plotPath.empty())
-        throw Failure("--plot-step: no effect without --plot");
+    if (o.plotStep && o.plotPath.empty() && o.reportPath.empty())
+        throw Failure("--plot-step: no effect without --plot or --report");
+    if ((!o.image1Path.empty() || !o.image2Path.empty()) && o.plotPath.empty() && o.reportPath.empty())
+        throw Failure(fmt::format("{}: no effect without --plot or --report", o.image1Path.empty() ? "--image2" : "--image1"));
     if (o.plotPath == "-")
         throw Failure("--plot: got \"-\", expected a file");
-    const std::pair<const char*, const std::string&> outputs[] = {
-        {"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath}};
-    for (const auto& output : outputs)
-        for (const auto& earlier : outputs) {
-            if (&earlier == &output)
-                break;
-            if (!earlier.second.empty() && !output.second.empty() && isSameOutput(earlier.second, output.second))
-                throw Failure(fmt::format("{} and {}: both write to {}", earlier.first, output.first,
-                                          output.second == "-" ? "standard output" : output.second));
-        }
+    refuseSameOutputs({{"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath},
+                       {"--report", o.reportPath}});
+}
+
+/// Reads the images and says when the points of a scene do not lie on them.
+void addImages(PlotScene& scene, const std::shared_ptr<const Picture>& image1, const std::shared_ptr<const Picture>& image2,
+               Warnings& warnings)
+{
+    scene.image1 = image1;
+    scene.image2 = image2;
+    int setIdx = 0;
+    for (const auto& image : {image1, image2}) {
+        const std::string text = image ? pictureWarning(*image, scene.pairs, setIdx) : "";
+        if (!text.empty())
+            warnings.print(image->name, text);
+        ++setIdx;
+    }
+}
+
+std::shared_ptr<const Picture> imageOf(const std::string& path)
+{
+    return path.empty() ? nullptr : std::make_shared<const Picture>(readPng(path));
 }
 
 std::string whereOf(const StepLabel& label, const MatchReader& reader)
@@ -113,8 +72,13 @@ void addEstimateOptions(CLI::App& command, EstimateOptions& o)
         ->type_name("FILE")->group(OUTPUT);
     command.add_option("--plot", o.plotPath, "picture of the matches; the name ends in .svg, .png or .pdf")
         ->type_name("FILE")->group(OUTPUT);
-    command.add_option("--plot-step", o.plotStep, "step that is drawn, from 0 (default: the first with a result)")
+    command.add_option("--report", o.reportPath, "HTML page with settings, result, warnings and picture")
+        ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--plot-step", o.plotStep, "step that is drawn or reported, from 0 (default: the first with a result)")
         ->check(wholeBetween(0, std::numeric_limits<std::int64_t>::max()))->type_name("K")->group(OUTPUT);
+    command.add_option("--image1", o.image1Path, "PNG image that the first points lie on, in pixels, for --plot and --report")
+        ->type_name("FILE")->group(OUTPUT);
+    command.add_option("--image2", o.image2Path, "the same for the second points")->type_name("FILE")->group(OUTPUT);
     command.add_flag("-q,--quiet", o.isQuiet, "no warnings on standard error; json and csv still name them")->group(OUTPUT);
 }
 
@@ -123,6 +87,7 @@ ExitCode runEstimate(const EstimateOptions& o)
     const BlockSetup setup = resolveBlockOptions(o.block);
     refuseWrongOutputs(o, setup);
     const PlotFormat plotFormat = o.plotPath.empty() ? PlotFormat::Svg : plotFormatOf(o.plotPath);
+    const std::shared_ptr<const Picture> image1 = imageOf(o.image1Path), image2 = imageOf(o.image2Path);
 
     ReaderOptions readerOptions;
     readerOptions.pointsType = setup.pointsType;
@@ -137,13 +102,15 @@ ExitCode runEstimate(const EstimateOptions& o)
     std::unique_ptr<InlierWriter> inlierWriter;
     if (!o.inliersPath.empty())
         inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header());
-    std::unique_ptr<OutputFile> plotFile;
+    std::unique_ptr<OutputFile> plotFile, reportFile;
     if (!o.plotPath.empty())
         plotFile = std::make_unique<OutputFile>(o.plotPath);
+    if (!o.reportPath.empty())
+        reportFile = std::make_unique<OutputFile>(o.reportPath);
 
-    const Warnings warnings(o.isQuiet);
+    Warnings warnings(o.isQuiet);
     ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
-    PlotChoice plotChoice(o.plotStep);
+    ShownStep shownStep(o.plotStep);
     std::int64_t foundNum = 0;
     StepLabel label;
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
@@ -154,8 +121,8 @@ ExitCode runEstimate(const EstimateOptions& o)
             output.flush();
         if (inlierWriter)
             inlierWriter->write(*frame, result);
-        if (plotFile)
-            plotChoice.offer(label, *frame, result, layout);
+        if (plotFile || reportFile)
+            shownStep.offer(label, *frame, result, layout, setup);
         for (const Message& warning : result.warnings)
             warnings.print(whereOf(label, reader), fmt::format("{}: {}{}", warning.id, warning.text,
                                                                warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
@@ -169,14 +136,25 @@ ExitCode runEstimate(const EstimateOptions& o)
         warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
                                                   counted(source.pairNum(), "pair"),
                                                   setup.isRobust ? "; they are never inliers" : ""));
-    if (plotFile)
-        plotFile->write(renderPlot(plotChoice.scene(label.step), reader.name(), setup.typeText(), plotFormat));
+    if (plotFile || reportFile) {
+        Report& report = shownStep.report(label.step);
+        addImages(report.scene, image1, image2, warnings);
+        report.inputName = reader.name();
+        report.foundNum = foundNum;
+        report.warnings = warnings.kept();
+        if (plotFile)
+            plotFile->write(renderPlot(report.scene, reader.name(), setup.typeText(), plotFormat));
+        if (reportFile)
+            reportFile->write(renderReport(report, setup));
+    }
 
     output.commit();
     if (inlierWriter)
         inlierWriter->commit();
     if (plotFile)
         plotFile->commit();
+    if (reportFile)
+        reportFile->commit();
     return foundNum > 0 ? ExitCode::Done : ExitCode::NothingFound;
 }
 

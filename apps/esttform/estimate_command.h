@@ -19,7 +19,9 @@ struct EstimateOptions {
     std::string outputPath = "-";
     std::string inliersPath;                ///< empty: none
     std::string plotPath;                   ///< empty: none
+    std::string reportPath;                 ///< empty: none
     std::optional<std::int64_t> plotStep;   ///< empty: the first step with a result
+    std::string image1Path, image2Path;     ///< empty: none
     bool isQuiet = false;
 };
 

@@ -5,6 +5,7 @@
 #include "help_formatter.h"
 #include "output_file.h"
 #include "params_command.h"
+#include "register_command.h"
 #include "trace_command.h"
 
 #include <CLI/CLI.hpp>
@@ -63,6 +64,9 @@ ExitCode run(int argc, char** argv)
     CodegenOptions codegenOptions;
     CLI::App& codegen = *app.add_subcommand("codegen", "generate C code that estimates as the block does");
     addCodegenOptions(codegen, codegenOptions);
+    RegisterOptions registerOptions;
+    CLI::App& registering = *app.add_subcommand("register", "match two pictures and estimate the transformation between them");
+    addRegisterOptions(registering, registerOptions);
 
     try {
         app.parse(argc, argv);
@@ -77,6 +81,8 @@ ExitCode run(int argc, char** argv)
         return printOut(paramsText());
     if (codegen.parsed())
         return runCodegen(codegenOptions);
+    if (registering.parsed())
+        return runRegister(registerOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 

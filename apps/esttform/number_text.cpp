@@ -1,6 +1,7 @@
 #include "number_text.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <charconv>
 #include <cmath>
@@ -77,6 +78,17 @@ std::string inQuotes(std::string_view text)
             shown += c;
     }
     return shown + (text.size() > QUOTED_MAX ? "...\"" : "\"");
+}
+
+std::string validText(const std::string& text)
+{
+    using nlohmann::json;
+    return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace)).get<std::string>();
+}
+
+std::string fileNameOf(const std::string& path)
+{
+    return validText(path.substr(path.rfind('/') + 1));
 }
 
 std::string counted(std::int64_t num, const char* noun)

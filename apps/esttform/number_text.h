@@ -34,6 +34,12 @@ std::string exactText(double value);
 /// Text from outside in quotes for a message: at most 40 bytes of it, bytes that do not print as \xNN.
 std::string inQuotes(std::string_view text);
 
+/// Text from outside as valid UTF-8: what is not becomes U+FFFD.
+std::string validText(const std::string& text);
+
+/// The last part of a path, as validText.
+std::string fileNameOf(const std::string& path);
+
 /// "1 pair", "2 pairs".
 std::string counted(std::int64_t num, const char* noun);
 

@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <utility>
 
 namespace esttform::app {
 
@@ -123,6 +122,18 @@ bool isSameOutput(const std::string& path1, const std::string& path2)
     if (path1 == "-" || path2 == "-")
         return path1 == path2;
     return resolved(path1) == resolved(path2);
+}
+
+void refuseSameOutputs(const std::vector<std::pair<const char*, std::string>>& outputs)
+{
+    for (const auto& output : outputs)
+        for (const auto& earlier : outputs) {
+            if (&earlier == &output)
+                break;
+            if (!earlier.second.empty() && !output.second.empty() && isSameOutput(earlier.second, output.second))
+                throw Failure(fmt::format("{} and {}: both write to {}", earlier.first, output.first,
+                                          output.second == "-" ? "standard output" : output.second));
+        }
 }
 
 }  // namespace esttform::app

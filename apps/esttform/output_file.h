@@ -4,6 +4,8 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace esttform::app {
 
@@ -40,5 +42,10 @@ private:
 
 /// True if both paths name one output.
 bool isSameOutput(const std::string& path1, const std::string& path2);
+
+/// Refuses two options that write to one output; empty paths are not given.
+///
+/// @throws Failure  naming both options
+void refuseSameOutputs(const std::vector<std::pair<const char*, std::string>>& outputs);
 
 }  // namespace esttform::app

@@ -14,6 +14,7 @@ namespace esttform::app {
 namespace {
 
 constexpr double PNG_PIXELS_PER_POINT = 2.0;
+constexpr double VECTOR_PIXELS_PER_POINT = 1.5;
 
 cairo_status_t takeBytes(void* bytes, const unsigned char* data, unsigned int size)
 try {
@@ -67,6 +68,11 @@ std::string PlotCanvas::finish()
     return std::move(mBytes);
 }
 
+double PlotCanvas::pixelsPerPoint() const noexcept
+{
+    return mFormat == PlotFormat::Png ? PNG_PIXELS_PER_POINT : VECTOR_PIXELS_PER_POINT;
+}
+
 void PlotCanvas::setFont(double size, bool isBold)
 {
     cairo_select_font_face(mContext, "sans-serif", CAIRO_FONT_SLANT_NORMAL,
@@ -79,6 +85,20 @@ double PlotCanvas::textWidth(const std::string& text) const
     cairo_text_extents_t extents;
     cairo_text_extents(mContext, text.c_str(), &extents);
     return extents.x_advance;
+}
+
+std::string PlotCanvas::fitted(std::string text, double width) const
+{
+    const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; };
+    if (textWidth(text) <= width)
+        return text;
+    while (!text.empty() && textWidth(text + "...") > width) {
+        while (!text.empty() && isContinuation(text.back()))
+            text.pop_back();
+        if (!text.empty())
+            text.pop_back();
+    }
+    return text + "...";
 }
 
 void PlotCanvas::drawText(const std::string& text, double x, double y, double anchor)

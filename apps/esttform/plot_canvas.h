@@ -22,6 +22,9 @@ public:
 
     cairo_t* context() const noexcept { return mContext; }
 
+    /// How fine images need to be: pixels of PNG, and what print and screens show of SVG and PDF.
+    double pixelsPerPoint() const noexcept;
+
     /// Ends the drawing and hands out the file's bytes.
     ///
     /// @throws Failure (OurFault) if any drawing operation failed
@@ -29,6 +32,8 @@ public:
 
     void setFont(double size, bool isBold);
     double textWidth(const std::string& text) const;
+    /// A text cut so that it fits.
+    std::string fitted(std::string text, double width) const;
     /// Draws a text with its baseline at y.
     ///
     /// @param anchor  0: x is its left end, 0.5 its middle, 1 its right end

@@ -11,8 +11,6 @@ namespace esttform::app {
 
 namespace {
 
-/// Lines of a class that are drawn at most: more of them hide each other and the points.
-constexpr std::int64_t LINE_MAX_NUM = 800;
 /// Page coordinates are rounded to a quarter of a point: invisible, and half the bytes.
 constexpr double SNAPS_PER_POINT = 4.0;
 constexpr double OUTLIER_DASHES[] = {2.5, 2.5};
@@ -103,30 +101,30 @@ std::string MarkClass::legendText() const
     return text;
 }
 
-MatchMarks::MatchMarks(const PlotScene& scene, const PlotBox& view,
-                       const std::function<PlotPoint(double, double)>& toPage)
+MatchMarks::MatchMarks(const PlotScene& scene, const PlotFrame& first, const PlotFrame& second, std::int64_t lineMaxNum)
     : mRadius(radiusFor(scene.pairs.size()))
 {
     const bool hasMask = !scene.inliers.empty();
+    const double tint = scene.image1 || scene.image2 ? 0.1 : 0.4;      // pale lines would be lost on an image
     // Blue and vermilion: told apart by colour-blind people.
-    mClasses.push_back({"outlier", 0.835, 0.369, 0.0, 0.45, true, true, 0, 1, {}, {}, {}});
-    mClasses.push_back({hasMask ? "inlier" : "pair", 0.0, 0.34, 0.62, 0.4, false, false, 0, 1, {}, {}, {}});
+    mClasses.push_back({"outlier", 0.835, 0.369, 0.0, tint, true, true, 0, 1, {}, {}, {}});
+    mClasses.push_back({hasMask ? "inlier" : "pair", 0.0, 0.34, 0.62, tint, false, false, 0, 1, {}, {}, {}});
     for (std::size_t i = 0; i < scene.pairs.size(); ++i) {
         const Pair& pair = scene.pairs[i];
         MarkClass& c = mClasses[hasMask && scene.inliers[i] == 0 ? 0 : 1];
         ++c.pairNum;
-        if (!view.contains(pair[0], pair[1]) || !view.contains(pair[2], pair[3])) {
+        if (!first.view.contains(pair[0], pair[1]) || !second.view.contains(pair[2], pair[3])) {
             ++mLeftOutNum;
             continue;
         }
-        c.lines.push_back({snapped(toPage(pair[0], pair[1])), snapped(toPage(pair[2], pair[3]))});
+        c.lines.push_back({snapped(first.at(pair[0], pair[1])), snapped(second.at(pair[2], pair[3]))});
         c.first.push_back(c.lines.back()[0]);
         c.second.push_back(c.lines.back()[1]);
     }
     for (MarkClass& c : mClasses) {
         keepDistinct(c.first);
         keepDistinct(c.second);
-        c.lineStride = (static_cast<std::int64_t>(c.lines.size()) + LINE_MAX_NUM - 1) / LINE_MAX_NUM;
+        c.lineStride = (static_cast<std::int64_t>(c.lines.size()) + lineMaxNum - 1) / lineMaxNum;
         const auto stride = static_cast<std::size_t>(std::max<std::int64_t>(1, c.lineStride));
         std::size_t keptNum = 0;
         for (std::size_t i = 0; i < c.lines.size(); i += stride)

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "plot.h"
-#include "plot_geometry.h"
+#include "plot_frame.h"
 
 #include <cairo.h>
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,10 +30,11 @@ struct MarkClass {
 
 class MatchMarks {
 public:
-    /// Places every pair that the view shows.
+    /// Places every pair that the frames show.
     ///
-    /// @param toPage  from point units to the page
-    MatchMarks(const PlotScene& scene, const PlotBox& view, const std::function<PlotPoint(double x, double y)>& toPage);
+    /// @param first, second  of the first and of the second points; one frame for both is admitted
+    /// @param lineMaxNum     lines of a class that are drawn at most: more of them hide each other and the points
+    MatchMarks(const PlotScene& scene, const PlotFrame& first, const PlotFrame& second, std::int64_t lineMaxNum);
 
     /// Draws lines, then first points, then second points; inliers over outliers.
     void draw(cairo_t* cr) const;

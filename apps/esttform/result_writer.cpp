@@ -57,6 +57,11 @@ std::string textJson(const std::string& text)
 
 }  // namespace
 
+Format formatOf(const std::string& name) noexcept
+{
+    return name == "json" ? Format::Json : name == "csv" ? Format::Csv : Format::Text;
+}
+
 std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames)
 {
     std::string line = fmt::format("{{\"step\":{}", label.step);

@@ -13,6 +13,9 @@ namespace esttform::app {
 
 enum class Format { Text, Json, Csv };
 
+/// The format of a word that --format admits.
+Format formatOf(const std::string& name) noexcept;
+
 /// What a writer needs to know about a step besides its result.
 struct StepLabel {
     std::int64_t step = 0;               ///< counted from 0
@@ -26,6 +29,9 @@ struct RunLabel {
     Layout layout = Layout::Columns;
     bool hasFrames = false;
 };
+
+/// The equation that TForm stands for.
+const char* equationOf(const StepResult& result, Layout layout) noexcept;
 
 /// One JSON object on one line, with line end. Keys: step, frame (with frames), ptsNum, tform (list of rows), inliers
 /// (0 or 1 a pair) and inlierNum (both null without inlier output), warnings (identifiers), error ("id: text" or null).

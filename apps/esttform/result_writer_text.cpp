@@ -25,16 +25,6 @@ bool isProjective(const StepResult& result) noexcept
     return result.tformRows == 3 && result.tformCols == 3;
 }
 
-/// The equation that TForm stands for.
-const char* equationOf(const StepResult& result, Layout layout) noexcept
-{
-    if (layout == Layout::Columns)
-        return isProjective(result) ? "(x2*w, y2*w, w)' = TForm * (x1, y1, 1)', then divide by w"
-                                    : "(x2, y2)' = TForm * (x1, y1, 1)'";
-    return isProjective(result) ? "(x2*w, y2*w, w) = (x1, y1, 1) * TForm, then divide by w"
-                                : "(x2, y2) = (x1, y1, 1) * TForm";
-}
-
 std::string countsOf(const StepResult& result)
 {
     const std::string pairs = counted(result.ptsNum, "pair");
@@ -68,6 +58,15 @@ std::string similarityText(const PointMap& map)
 }
 
 }  // namespace
+
+const char* equationOf(const StepResult& result, Layout layout) noexcept
+{
+    if (layout == Layout::Columns)
+        return isProjective(result) ? "(x2*w, y2*w, w)' = TForm * (x1, y1, 1)', then divide by w"
+                                    : "(x2, y2)' = TForm * (x1, y1, 1)'";
+    return isProjective(result) ? "(x2*w, y2*w, w) = (x1, y1, 1) * TForm, then divide by w"
+                                : "(x2, y2) = (x1, y1, 1) * TForm";
+}
 
 std::string toText(const StepResult& result, const RunLabel& run)
 {

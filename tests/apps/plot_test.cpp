@@ -1,14 +1,17 @@
-// Pictures: their geometry, formats and sizes.
+// Pictures: their geometry, formats and sizes, images and distances in them.
 #include "plot.h"
 #include "plot_geometry.h"
+#include "plot_histogram.h"
+#include "plot_scene.h"
 
 #include "failure.h"
+#include "picture_files.h"
+#include "program.h"
 
-#include <cairo.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 
@@ -29,38 +32,22 @@ PlotScene randomScene(int pairNum)
     return scene;
 }
 
-struct PngSource {
-    const std::string& bytes;
-    std::size_t readNum = 0;
-};
-
-cairo_status_t readPng(void* source, unsigned char* data, unsigned int size)
-{
-    PngSource& png = *static_cast<PngSource*>(source);
-    if (png.readNum + size > png.bytes.size())
-        return CAIRO_STATUS_READ_ERROR;
-    std::memcpy(data, png.bytes.data() + png.readNum, size);
-    png.readNum += size;
-    return CAIRO_STATUS_SUCCESS;
-}
-
 /// Share of pixels of a PNG that are not white.
 double inkOf(const std::string& bytes)
 {
-    PngSource png{bytes};
-    cairo_surface_t* const image = cairo_image_surface_create_from_png_stream(readPng, &png);
-    EXPECT_EQ(cairo_surface_status(image), CAIRO_STATUS_SUCCESS);
-    const int width = cairo_image_surface_get_width(image), height = cairo_image_surface_get_height(image);
-    const unsigned char* const data = cairo_image_surface_get_data(image);
-    int inkNum = 0;
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            std::uint32_t pixel = 0;
-            std::memcpy(&pixel, data + y * cairo_image_surface_get_stride(image) + 4 * x, 4);
-            inkNum += (pixel & 0xffffff) != 0xffffff ? 1 : 0;
-        }
-    cairo_surface_destroy(image);
-    return static_cast<double>(inkNum) / (static_cast<double>(width) * height);
+    const Picture picture = pictureOfPng(bytes);
+    const auto whiteNum = std::count(picture.pixels.begin(), picture.pixels.end(), 0xffffffU);
+    return 1.0 - static_cast<double>(whiteNum) / static_cast<double>(picture.pixels.size());
+}
+
+/// Noise, which no format can pack.
+std::shared_ptr<const Picture> noise(int width, int height)
+{
+    std::mt19937 generator(5);
+    Picture picture{"noise.png", width, height, {}};
+    for (int i = 0; i < width * height; ++i)
+        picture.pixels.push_back(generator() & 0xffffffU);
+    return std::make_shared<const Picture>(std::move(picture));
 }
 
 TEST(PlotTest, FormatsBeginAsTheyShould)
@@ -76,9 +63,61 @@ TEST(PlotTest, FormatsBeginAsTheyShould)
 
 TEST(PlotTest, ManyMatchesStaySmall)
 {
-    const std::string svg = renderPlot(randomScene(20000), "a.csv", "projective", PlotFormat::Svg);
-    EXPECT_LT(svg.size(), 3000000u);
-    EXPECT_GT(svg.size(), 500000u);                      // the points are there
+    PlotScene scene = randomScene(20000);
+    for (const auto& image : {std::shared_ptr<const Picture>(), noise(1000, 750)})
+        for (const PlotFormat format : {PlotFormat::Svg, PlotFormat::Png, PlotFormat::Pdf}) {
+            scene.image1 = image;
+            scene.image2.reset();
+            EXPECT_LT(renderPlot(scene, "a.csv", "projective", format).size(), 3000000u) << static_cast<int>(format);
+            scene.image2 = image;
+            EXPECT_LT(renderPlot(scene, "a.csv", "projective", format).size(), 3000000u) << static_cast<int>(format);
+        }
+    scene.image1 = scene.image2 = nullptr;
+    EXPECT_GT(renderPlot(scene, "a.csv", "projective", PlotFormat::Svg).size(), 500000u);   // the points are there
+}
+
+TEST(PlotTest, ImagesAreDrawnWhereTheyBelong)
+{
+    // A black image, 100 by 50 pixels, among points that span 400 by 400: its faded black covers 1/32 of their area.
+    PlotScene scene;
+    scene.pairs = {{0, 0, 0, 0}, {400, 0, 400, 0}, {0, 400, 0, 400}, {400, 400, 400, 400}};
+    scene.image1 = std::make_shared<const Picture>(Picture{"black.png", 100, 50, std::vector<std::uint32_t>(5000, 0)});
+    const auto fadedNum = [&scene] {
+        const Picture plot = pictureOfPng(renderPlot(scene, "a.csv", "affine", PlotFormat::Png));
+        const auto num = std::count(plot.pixels.begin(), plot.pixels.end(), 0x727272U);
+        return std::pair{static_cast<double>(num), plot.width};
+    };
+    const auto [oneFrame, width] = fadedNum();
+    const double side = 2.0 * 520.0 / 1.06 * 400.0 / 401.0;                  // of the points' box, in pixels of the plot
+    EXPECT_NEAR(oneFrame, side * side / 32.0, 0.05 * side * side / 32.0);
+    scene.image2 = scene.image1;
+    EXPECT_GT(fadedNum().first, 0.2 * oneFrame);         // twice, in two smaller frames
+    EXPECT_GT(fadedNum().second, width);
+}
+
+TEST(PlotTest, UnfitImagesAreNamed)
+{
+    const TempFolder folder;
+    const struct {
+        std::string path;
+        const char* message;
+    } CASES[] = {{folder.path("none.png"), "none.png: cannot open: No such file"},
+                 {folder.path(""), "cannot read: Is a directory"},
+                 {folder.write("a.jpg", "\xff\xd8\xff\xe0 and so on"), "a.jpg: a JPEG picture, expected PNG"},
+                 {folder.write("a.csv", "x1,y1,x2,y2"), "a.csv: not a picture"},
+                 {folder.write("empty.png", ""), "empty.png: empty"},
+                 {folder.write("cut.png", renderPlot(randomScene(9), "", "affine", PlotFormat::Png).substr(0, 900)), "cut.png: damaged"}};
+    for (const auto& c : CASES)
+        try {
+            readPng(c.path);
+            ADD_FAILURE() << c.path << " was read";
+        } catch (const Failure& failure) {
+            EXPECT_NE(std::string(failure.what()).find(c.message), std::string::npos) << failure.what();
+        }
+
+    const Picture picture{"p.png", 1000, 500, {}};       // half of the points lie below its edge
+    EXPECT_NE(pictureWarning(picture, randomScene(100).pairs, 1).find("of 100 second points lie outside"), std::string::npos);
+    EXPECT_EQ(pictureWarning({"p.png", 1000, 1000, {}}, randomScene(100).pairs, 0), "");
 }
 
 TEST(PlotTest, DrawsWhateverTheMatchesAre)
@@ -105,6 +144,44 @@ TEST(PlotTest, DrawsWhateverTheMatchesAre)
         scene.map.reset();
         EXPECT_GT(inkOf(renderPlot(scene, std::string(500, 'x'), "affine", PlotFormat::Png)), 0.01) << pairs[0][0];
     }
+}
+
+// ---- Distances
+
+TEST(HistogramTest, CountsInDecadesWithTheThresholdOnTheAxis)
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    std::vector<Residual> residuals(6);
+    const double distances[] = {0.0, 0.2, 0.2, 5.0, 70.0, inf};
+    for (std::size_t i = 0; i < residuals.size(); ++i)
+        residuals[i].distance = distances[i];
+    const Histogram h = histogramOf(residuals, {1, 1, 1, 0, 0, 0}, ThresholdRange{300.0, 300.0});
+    EXPECT_EQ(h.lowDecade, -3);
+    EXPECT_EQ(h.highDecade, 3);                          // 300 lies below 10^3
+    ASSERT_EQ(h.bins.size(), 6u * Histogram::BINS_PER_DECADE);
+    using Bin = std::array<std::int64_t, 2>;             // outliers, inliers
+    EXPECT_EQ(h.bins[0], (Bin{0, 1}));                   // zero, which is below the axis
+    EXPECT_TRUE(h.hasBelow);
+    EXPECT_FALSE(h.hasAbove);
+    EXPECT_EQ(h.bins[2 * 6 + 1], (Bin{0, 2}));           // 10^-0.70, between -1 + 1/6 and -1 + 2/6
+    EXPECT_EQ(h.bins[3 * 6 + 4], (Bin{1, 0}));           // 10^0.699
+    EXPECT_EQ(h.bins[4 * 6 + 5], (Bin{1, 0}));           // 10^1.845
+    EXPECT_EQ(h.notCountedNum, 1);
+    EXPECT_EQ(h.highest(), 2);
+}
+
+TEST(ResidualTest, ThresholdInPixelsFollowsTheDenominator)
+{
+    // w = 1 + x/100: 1 at the first pair, 3 at the second; the third, beyond the horizon, has no distance.
+    const PointMap map{{1, 0, 0, 0, 1, 0, 0.01, 0, 1}};
+    const std::vector<Residual> residuals = residualsOf({{0, 0, 3, 4}, {200, 0, 200.0 / 3, 2}, {-100, 0, 0, 0}}, map);
+    EXPECT_EQ(residuals[0].distance, 5.0);
+    EXPECT_DOUBLE_EQ(residuals[1].distance, 2.0);
+    EXPECT_FALSE(std::isfinite(residuals[2].distance));
+    const ThresholdRange range = thresholdRange(residuals, {}, 9.0);
+    EXPECT_DOUBLE_EQ(range.low, 1.0);
+    EXPECT_DOUBLE_EQ(range.high, 3.0);
+    EXPECT_EQ(thresholdRange(residuals, {1, 0, 0}, 9.0).low, 3.0);
 }
 
 // ---- Geometry

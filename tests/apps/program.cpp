@@ -70,7 +70,7 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const RunSettin
 {
     const TempFolder folder;
     const std::string inPath = folder.write("in", setting.input), outPath = folder.path("out"), errPath = folder.path("err");
-    const std::string leakOptions = "suppressions=" + folder.write("leaks", __lsan_default_suppressions());
+    const std::string leakOptions = "suppressions=" + folder.write("leaks", __lsan_default_suppressions()) + ":print_suppressions=0";
     int pipeEnds[2] = {-1, -1};
     if (setting.isOutputClosed && pipe(pipeEnds) != 0)
         throw std::runtime_error("cannot open a pipe");

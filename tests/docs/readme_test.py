@@ -11,7 +11,7 @@ import sys
 import tempfile
 
 source, esttform, shift_example = (pathlib.Path(arg).resolve() for arg in sys.argv[1:4])
-pages = ["README.md", "docs/generated-code.md"]
+pages = ["README.md", "docs/generated-code.md", "docs/pictures.md"]
 readme = (source / "README.md").read_text()
 failures = []
 outputs = {}
@@ -26,6 +26,8 @@ def run_commands(folder, environment, text):
         is_tool = program in (str(esttform), "cmake", "gcc") or (pathlib.Path(folder) / program).is_file()
         if is_tool:
             run = subprocess.run([program, *words[1:]], cwd=folder, env=environment, capture_output=True, text=True)
+            if "built without OpenCV" in run.stderr:
+                continue
             outputs[line] = run.stdout
             if run.returncode != 0:
                 failures.append(f"{line}: exit code {run.returncode}: {run.stderr}")
