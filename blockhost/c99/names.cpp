@@ -1,6 +1,7 @@
 #include "names.h"
 
 #include "../estimator.h"
+#include "../ir/identifier.h"
 #include "writer.h"
 
 #include <fmt/format.h>
@@ -33,17 +34,7 @@ std::string lowerCase(std::string text)
     return text;
 }
 
-bool isLetterOrDigit(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 }  // namespace
-
-bool isIdentifier(const std::string& name)
-{
-    return !name.empty() && !(name[0] >= '0' && name[0] <= '9') && std::all_of(name.begin(), name.end(), isLetterOrDigit);
-}
 
 std::string NameScope::add(const std::string& base)
 {
@@ -69,7 +60,7 @@ void checkModelName(const std::string& name)
     const auto refuse = [&name](const std::string& reason) {
         throw esttform::Error(esttform::ErrorKind::Usage, fmt::format("name: got \"{}\", {}", name, reason));
     };
-    if (!isIdentifier(name) || name[0] == '_')
+    if (!ir::isIdentifier(name) || name[0] == '_')
         refuse("expected letters, digits and underscores, a letter first");
     if (name.size() > MAX_NAME_LENGTH)
         refuse(fmt::format("{} characters long, expected at most {}", name.size(), MAX_NAME_LENGTH));

@@ -12,9 +12,6 @@ namespace blockhost::c99 {
 /// runtime.
 ESTTFORM_API bool isReservedName(const std::string& name);
 
-/// Letters, digits and underscores, no digit first.
-bool isIdentifier(const std::string& name);
-
 /// The names of one C scope. A name is given once in it and in the scopes around it, so that nothing is shadowed.
 class ESTTFORM_API NameScope {
 public:

@@ -101,7 +101,7 @@ void BlockInterface::insertSizeEqCheck1D(CG::Node* size1, CG::Node* size2, CG::S
     mCurrent->innermost().stmts.emplace_back();
     CG::Stmt& stmt = mCurrent->innermost().stmts.back();
     stmt.kind = CG::Stmt::Kind::SizeCheck;
-    stmt.loc = loc;
+    stmt.place = loc;
     stmt.value = size1 != nullptr ? size1 : mModule.invalid("a size is missing");
     stmt.condition = size2 != nullptr ? size2 : mModule.invalid("a size is missing");
 }

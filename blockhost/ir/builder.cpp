@@ -24,7 +24,7 @@ Stmt& newStmt(Cfg& cfg, Stmt::Kind kind, SourceLoc loc)
     cfg.innermost().stmts.emplace_back();
     Stmt& stmt = cfg.innermost().stmts.back();
     stmt.kind = kind;
-    stmt.loc = loc;
+    stmt.place = loc;
     return stmt;
 }
 
@@ -77,7 +77,9 @@ Expr StatementBuilder::createLocal(const char* name, const Type* type, int width
         return module.invalid(fmt::format("local \"{}\" has no type", name));
     }
     Var* const var = module.newVar(name, Var::Storage::Local, type, width, use != nullptr ? use : "");
-    mCfg->innermost().locals.push_back(var);
+    Block& block = mCfg->innermost();
+    var->declaredAt = block.stmts.size();
+    block.locals.push_back(var);
     Node* const node = module.newNode(Node::Kind::Variable, width > 0 ? staticUnknownMatrixT(type) : type);
     node->var = var;
     return node;

@@ -17,18 +17,19 @@ namespace {
 /// Text of one body. The second variable of one name is shown as name#2.
 class BodyDump {
 public:
-    explicit BodyDump(std::string& text) : mText(text) {}
+    explicit BodyDump(std::string& text, bool withLines = true) : mText(text), mWithLines(withLines) {}
 
     void block(const CG::Block& block, int depth);
     std::string name(const Var* var);
 
 private:
-    void line(int depth, const std::string& text, const CG::SourceLoc* loc = nullptr);
+    void line(int depth, const std::string& text, const CG::Place* place = nullptr);
     void statement(const Stmt& stmt, int depth);
     std::string expression(const Node* node);
     std::string call(const Node& node);
 
     std::string& mText;
+    bool mWithLines;                                     ///< the generator's line behind each statement
     std::map<const Var*, std::string> mNames;
     std::map<std::string, int> mUseNums;
 };
@@ -42,12 +43,12 @@ std::string BodyDump::name(const Var* var)
     return entry->second;
 }
 
-void BodyDump::line(int depth, const std::string& text, const CG::SourceLoc* loc)
+void BodyDump::line(int depth, const std::string& text, const CG::Place* place)
 {
     const std::string indented = std::string(static_cast<std::size_t>(4 * depth), ' ') + text;
-    const std::string_view file = loc != nullptr ? loc->file : "";
+    const std::string_view file = mWithLines && place != nullptr ? std::string_view(place->file) : "";
     mText += file.empty() ? indented + "\n"
-                          : fmt::format("{:<88} [{}:{}]\n", indented, file.substr(file.rfind('/') + 1), loc->line);
+                          : fmt::format("{:<88} [{}:{}]\n", indented, file.substr(file.rfind('/') + 1), place->line);
 }
 
 std::string BodyDump::call(const Node& node)
@@ -81,30 +82,30 @@ std::string BodyDump::expression(const Node* node)
 
 void BodyDump::statement(const Stmt& stmt, int depth)
 {
-    const CG::SourceLoc* const loc = &stmt.loc;
+    const CG::Place* const place = &stmt.place;
     switch (stmt.kind) {
     case Stmt::Kind::Assign:
-        line(depth, fmt::format("{} := {}", expression(stmt.target), expression(stmt.value)), loc);
+        line(depth, fmt::format("{} := {}", expression(stmt.target), expression(stmt.value)), place);
         break;
-    case Stmt::Kind::Call: line(depth, expression(stmt.value), loc); break;
+    case Stmt::Kind::Call: line(depth, expression(stmt.value), place); break;
     case Stmt::Kind::Comment: line(depth, "-- " + stmt.text); break;
-    case Stmt::Kind::Increment: line(depth, expression(stmt.target) + " += 1", loc); break;
-    case Stmt::Kind::Decrement: line(depth, expression(stmt.target) + " -= 1", loc); break;
+    case Stmt::Kind::Increment: line(depth, expression(stmt.target) + " += 1", place); break;
+    case Stmt::Kind::Decrement: line(depth, expression(stmt.target) + " -= 1", place); break;
     case Stmt::Kind::For:
-        line(depth, fmt::format("for {} from 0 while below {}", expression(stmt.target), expression(stmt.value)), loc);
+        line(depth, fmt::format("for {} from 0 while below {}", expression(stmt.target), expression(stmt.value)), place);
         break;
     case Stmt::Kind::CFor:
         line(depth, fmt::format("for {} from {} while {} by {}", expression(stmt.target), expression(stmt.value),
-                                expression(stmt.condition), stmt.step), loc);
+                                expression(stmt.condition), stmt.step), place);
         break;
-    case Stmt::Kind::While: line(depth, "while " + expression(stmt.condition), loc); break;
-    case Stmt::Kind::If: line(depth, "if " + expression(stmt.condition), loc); break;
-    case Stmt::Kind::Scope: line(depth, "scope", loc); break;
+    case Stmt::Kind::While: line(depth, "while " + expression(stmt.condition), place); break;
+    case Stmt::Kind::If: line(depth, "if " + expression(stmt.condition), place); break;
+    case Stmt::Kind::Scope: line(depth, "scope", place); break;
     case Stmt::Kind::SizeCheck:
-        line(depth, fmt::format("end the step unless {} == {}", expression(stmt.value), expression(stmt.condition)), loc);
+        line(depth, fmt::format("end the step unless {} == {}", expression(stmt.value), expression(stmt.condition)), place);
         break;
     case Stmt::Kind::SetOutputDim:
-        line(depth, fmt::format("size of output {} along {} := {}", stmt.port, stmt.dim, expression(stmt.value)), loc);
+        line(depth, fmt::format("size of output {} along {} := {}", stmt.port, stmt.dim, expression(stmt.value)), place);
         break;
     }
     if (stmt.body)
@@ -129,9 +130,9 @@ void BodyDump::block(const CG::Block& block, int depth)
         statement(stmt, depth);
 }
 
-void dumpFcn(const CG::Fcn& fcn, std::string& text)
+void dumpFcn(const CG::Fcn& fcn, std::string& text, bool withLines)
 {
-    BodyDump body(text);
+    BodyDump body(text, withLines);
     std::string inputs;
     for (const Var* const input : fcn.inputs)
         inputs += (inputs.empty() ? "" : ", ") + variableText(body.name(input), *input);
@@ -176,9 +177,16 @@ std::string dump(const Model& model)
     }
     text += text.empty() ? "" : "\n";
     for (const auto& fcn : model.module.fcns)
-        dumpFcn(*fcn, text);
+        dumpFcn(*fcn, text, true);
     for (const auto& block : model.blocks)
         dumpBlock(*block, text);
+    return text;
+}
+
+std::string dump(const CG::Fcn& fcn)
+{
+    std::string text;
+    dumpFcn(fcn, text, false);
     return text;
 }
 

@@ -1,5 +1,5 @@
 // Library functions: what host/codegen_generators.h declares.
-#include "tree.h"
+#include "model.h"
 
 #include <fmt/format.h>
 
@@ -75,26 +75,36 @@ void LibGenerator::setInput(int, const char*) noexcept {}
 void LibGenerator::setOutput(int, const CG::Type*) noexcept {}
 void LibGenerator::setOutput(int, const char*) noexcept {}
 
-/// A function is listed once its body is complete, after those that its body asked for.
+/// A function is listed once its body is complete, after those that its body asked for. Another block of the model that asks
+/// for it describes its body again, to be compared: one name must mean one function.
 CG::Fcn* LibGenerator::findOrCreateFcn()
 {
     CG::Module& module = mOwner->module;
     const std::string name = fcnName();
-    if (CG::Fcn* const found = module.find(name))
-        return found;
+    CG::Fcn* const known = module.find(name);
+    if (known != nullptr && known->blockNum == module.blockNum)
+        return known;
     if (std::find(module.beingBuilt.begin(), module.beingBuilt.end(), name) != module.beingBuilt.end()) {
         mOwner->mistakes.push_back({fmt::format("{} asks for itself; recursion is not generated", name), CG::SourceLoc::here()});
         return nullptr;
     }
     module.beingBuilt.push_back(name);
     auto fcn = std::make_unique<CG::Fcn>(module, name);
+    fcn->blockNum = module.blockNum;
     for (int i = 0; i < getNumInputs(); ++i)
         fcn->inputs.push_back(module.newVar(getInputName(i), Var::Storage::FcnInput, getInputType(i), 0, ""));
     ConstructionFacade facade(fcn.get());
     constructBody(facade);
     module.beingBuilt.pop_back();
-    module.fcns.push_back(std::move(fcn));
-    return module.fcns.back().get();
+    if (known == nullptr) {
+        module.fcns.push_back(std::move(fcn));
+        return module.fcns.back().get();
+    }
+    known->blockNum = module.blockNum;
+    if (blockhost::ir::dump(*known) != blockhost::ir::dump(*fcn))
+        mOwner->mistakes.push_back({fmt::format("{} does something else here than for an earlier block of the model; generate the "
+                                                "blocks as models of their own", name), CG::SourceLoc::here()});
+    return known;
 }
 
 }  // namespace DSPCG

@@ -50,13 +50,18 @@ struct Violation {
 
 /// Every violation of the rules of the tree, in the order of the text; empty for a tree that can be written.
 ///
-/// Checked: mistakes recorded while a body was described; blocks closed; every variable declared before use and used inside
-/// its block and its function; both sides of an assignment of one type, and the target not read-only; operands of one
-/// type that the operator takes; conditions Boolean; counters integer variables; arguments set, as many as the function
-/// has inputs and of their types; a call with side effects nowhere twice; headers and functions that exist.
+/// Checked: mistakes recorded while a body was described; blocks closed; names that are identifiers; every variable declared
+/// before use and used inside its block and its function, and a local that is read written somewhere; both sides of an
+/// assignment of one type, and the target not read-only; operands of one type that the operator takes, divisors and shifts that
+/// are known in their range; indices that are known inside their array; conditions Boolean; counters integer variables;
+/// arguments set, as many as the function has inputs and of their types; a call with side effects nowhere twice; sizes
+/// used in a step only; headers and functions that exist.
 ESTTFORM_API std::vector<Violation> verify(const Model& model);
 
 /// The tree as text for people, one statement a line with the generator's line, the same for the same tree.
 ESTTFORM_API std::string dump(const Model& model);
+
+/// A function in the same way, but without the lines of its generator.
+std::string dump(const CG::Fcn& fcn);
 
 }  // namespace blockhost::ir

@@ -87,6 +87,7 @@ BlockCode& addBlock(Model& model, sysobj::SysObjAdaptorSFun& S, const BlockLabel
                     const std::function<void(CGIR_Block_IF*)>& describe)
 {
     model.blocks.push_back(std::make_unique<BlockCode>(model.module));
+    ++model.module.blockNum;
     BlockCode& code = *model.blocks.back();
     addSignals(model.module, code, S, labels);
     BlockInterface blockInterface(model.module, code);

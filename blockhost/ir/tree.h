@@ -31,6 +31,7 @@ public:
     const Type* type = nullptr;  ///< of a scalar or of an array's elements; FcnInput: the type of the input
     int width = 0;               ///< 0: a scalar, or an input of a function; else the number of elements of an array
     std::string use;             ///< what it is for; may be empty
+    std::size_t declaredAt = 0;  ///< Local: number of the statements of its block that stand before it
 };
 
 class Node {
@@ -70,6 +71,15 @@ public:
     int dim = 0;
 };
 
+/// Where in a generator something was said. The text is kept: the library of the block may be gone before the tree.
+struct Place {
+    std::string file;
+    int line = 0;
+
+    Place() = default;
+    Place(const SourceLoc& loc) : file(loc.file), line(loc.line) {}
+};
+
 class Block;
 
 class Stmt {
@@ -97,7 +107,7 @@ public:
     int port = 0;
     int dim = 0;
     std::string text;
-    SourceLoc loc{"", 0};
+    Place place;
     std::unique_ptr<Block> body;
     std::unique_ptr<Block> elseBody;
 };
@@ -112,7 +122,7 @@ public:
 /// A mistake that was made while a body was described.
 struct Mistake {
     std::string text;
-    SourceLoc loc;
+    Place place;
 };
 
 /// A body under construction: the root block and the blocks that are open in it, innermost last.
@@ -121,7 +131,7 @@ public:
     struct Open {
         Block* block;
         Stmt::Kind kind;
-        SourceLoc loc;
+        Place place;
     };
 
     explicit Cfg(Module& owner, std::string bodyName) : module(owner), name(std::move(bodyName)) {}
@@ -145,6 +155,7 @@ public:
     std::string generator;                 ///< class that described it
     std::vector<Var*> inputs;              ///< in order
     std::vector<std::string> inputTexts;   ///< what each input holds; may be shorter than inputs
+    int blockNum = 0;                      ///< the last block that asked for it
     Cfg cfg;
 };
 
@@ -172,6 +183,7 @@ public:
 
     std::vector<std::unique_ptr<Fcn>> fcns;  ///< a function stands after those that were built for it
     std::vector<std::string> beingBuilt;     ///< names of functions whose bodies are being described
+    int blockNum = 0;                        ///< blocks that have begun to describe themselves
     std::vector<std::string> headers;        ///< as AddHeader was given them, each once, in order
     std::vector<BuildModule> buildModules;   ///< each once, in order
 

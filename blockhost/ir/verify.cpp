@@ -1,10 +1,12 @@
 #include "verify.h"
 
+#include "identifier.h"
 #include "known_fcns.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 
 namespace blockhost::ir {
@@ -15,10 +17,12 @@ using CG::Var;
 
 namespace {
 
-std::string placeText(const CG::SourceLoc& loc)
+constexpr const char* EXPECTED_NAME = "expected letters, digits and underscores, no digit first";
+
+std::string placeText(const CG::Place& place)
 {
-    const std::string_view file = loc.file;
-    return file.empty() ? "" : fmt::format(" ({}:{})", file.substr(file.rfind('/') + 1), loc.line);
+    const std::string_view file = place.file;
+    return file.empty() ? "" : fmt::format(" ({}:{})", file.substr(file.rfind('/') + 1), place.line);
 }
 
 /// Verifies one body. Statements are counted from 1 in the order of the text.
@@ -46,7 +50,9 @@ private:
     void expression(const Node* node);
     void use(const Node& node);
     void names(const Node* node);
+    std::string placed(const std::string& text) const;
     void report(const std::string& text);
+    void endOf(const Var& local);
 
     const CG::Cfg& mCfg;
     std::set<const Var*> mVisible;
@@ -54,21 +60,43 @@ private:
     const BlockCode* mStep;
     std::vector<Violation>& mFound;
     std::set<const Node*>* mSeen = nullptr;
+    std::map<const Var*, std::string> mMet;              ///< what is said of a local that nothing writes, where it is met
+    std::set<const Var*> mWritten;
     const Stmt* mStmt = nullptr;
     int mStmtNum = 0;
 };
 
+std::string BodyVerifier::placed(const std::string& text) const
+{
+    return fmt::format("{}: statement {}{}: {}", mCfg.name, mStmtNum, placeText(mStmt->place), text);
+}
+
 void BodyVerifier::report(const std::string& text)
 {
-    mFound.push_back({fmt::format("{}: statement {}{}: {}", mCfg.name, mStmtNum, placeText(mStmt->loc), text)});
+    mFound.push_back({placed(text)});
+}
+
+/// The variable that a node is, or is a part of; null for a value.
+const Var* placeOf(const Node* node)
+{
+    while (node->kind == Node::Kind::Index || node->kind == Node::Kind::Real || node->kind == Node::Kind::Imag)
+        node = node->in[0];
+    return node->kind == Node::Kind::Variable ? node->var : nullptr;
 }
 
 void BodyVerifier::use(const Node& node)
 {
     if (node.var != nullptr && mVisible.count(node.var) == 0)
         report(fmt::format("{} is not known here", node.var->name));
+    if (node.kind == Node::Kind::Variable && mMet.count(node.var) == 0)
+        mMet[node.var] = placed(fmt::format("{} is read, but nothing writes it", node.var->name));
+    if (node.kind == Node::Kind::InputDim && mStep == nullptr)
+        report("sizes are known in a step only");
     if (node.kind != Node::Kind::Call)
         return;
+    for (std::size_t i = 0; i < node.in.size(); ++i)
+        if (node.in[i] != nullptr && isPointerArgument(node, i))
+            mWritten.insert(placeOf(node.in[i]));
     if (node.fcn != nullptr && mCallees.count(node.fcn) == 0)
         report(fmt::format("{} is no function that was complete before", node.fcn->name));
     const KnownFcn* const external = node.callee == Node::Callee::External ? findExternal(node.name) : nullptr;
@@ -93,15 +121,14 @@ void BodyVerifier::target(const Node* node)
     expression(node);
     if (node->kind == Node::Kind::Invalid)
         return;
-    const Node* place = node;
-    while (place->kind == Node::Kind::Index || place->kind == Node::Kind::Real || place->kind == Node::Kind::Imag)
-        place = place->in[0];
+    const Var* const place = placeOf(node);
+    mWritten.insert(place);
     const bool isScalar = node->type != nullptr && node->type->element == nullptr;
-    if (place->kind != Node::Kind::Variable || !isScalar)
+    if (place == nullptr || !isScalar)
         report("the target is no variable and no element of one");
-    else if (node->type->isReadOnly || place->var->storage == Var::Storage::InputPort
-             || place->var->storage == Var::Storage::RunTimeParam)
-        report(fmt::format("{} is read-only", place->var->name));
+    else if (node->type->isReadOnly || place->storage == Var::Storage::InputPort
+             || place->storage == Var::Storage::RunTimeParam)
+        report(fmt::format("{} is read-only", place->name));
 }
 
 void BodyVerifier::assignment(const Stmt& stmt)
@@ -162,7 +189,11 @@ void BodyVerifier::statement(const Stmt& stmt)
     case Stmt::Kind::Scope: break;
     case Stmt::Kind::Assign: assignment(stmt); break;
     case Stmt::Kind::Increment:
-    case Stmt::Kind::Decrement: target(stmt.target); break;
+    case Stmt::Kind::Decrement:
+        target(stmt.target);
+        if (stmt.target->kind != Node::Kind::Invalid && !CG::isInteger(stmt.target->type))
+            report(fmt::format("one more or less of {}, expected an integer", CG::typeText(stmt.target->type)));
+        break;
     case Stmt::Kind::Call:
         names(stmt.value);
         verifyCallStatement(stmt.value, *mSeen, [this](const std::string& text) { report(text); });
@@ -180,22 +211,35 @@ void BodyVerifier::statement(const Stmt& stmt)
         block(*stmt.elseBody);
 }
 
+/// What can be said of a local once its block has ended.
+void BodyVerifier::endOf(const Var& local)
+{
+    mVisible.erase(&local);
+    if (!isIdentifier(local.name))
+        mFound.push_back({fmt::format("{}: local \"{}\": {}", mCfg.name, local.name, EXPECTED_NAME)});
+    if (mMet.count(&local) != 0 && mWritten.count(&local) == 0)
+        mFound.push_back({mMet[&local]});
+}
+
 void BodyVerifier::block(const CG::Block& block)
 {
-    mVisible.insert(block.locals.begin(), block.locals.end());
-    for (const Stmt& stmt : block.stmts)
-        statement(stmt);
+    auto next = block.locals.begin();                    // the first local that is not yet known
+    for (std::size_t i = 0; i < block.stmts.size(); ++i) {
+        for (; next != block.locals.end() && (*next)->declaredAt <= i; ++next)
+            mVisible.insert(*next);
+        statement(block.stmts[i]);
+    }
     for (const Var* const var : block.locals)
-        mVisible.erase(var);
+        endOf(*var);
 }
 
 void BodyVerifier::run(std::set<const Node*>& seen)
 {
     mSeen = &seen;
     for (const CG::Mistake& mistake : mCfg.mistakes)
-        mFound.push_back({fmt::format("{}{}: {}", mCfg.name, placeText(mistake.loc), mistake.text)});
+        mFound.push_back({fmt::format("{}{}: {}", mCfg.name, placeText(mistake.place), mistake.text)});
     for (const CG::Cfg::Open& open : mCfg.open)
-        mFound.push_back({fmt::format("{}{}: the block is never closed", mCfg.name, placeText(open.loc))});
+        mFound.push_back({fmt::format("{}{}: the block is never closed", mCfg.name, placeText(open.place))});
     block(mCfg.root);
 }
 
@@ -221,6 +265,8 @@ std::vector<Violation> verify(const Model& model)
     std::set<const Node*> seen;
     std::set<const CG::Fcn*> complete;
     for (const auto& fcn : model.module.fcns) {
+        if (!isIdentifier(fcn->name))
+            found.push_back({fmt::format("function \"{}\": {}", fcn->name, EXPECTED_NAME)});
         BodyVerifier(fcn->cfg, {fcn->inputs.begin(), fcn->inputs.end()}, complete, nullptr, found).run(seen);
         complete.insert(fcn.get());
     }

@@ -16,24 +16,46 @@ using CG::typeText;
 
 namespace {
 
+int bitNumOf(const Type* integer) noexcept
+{
+    return integer->typeId <= sysobj::DT_UINT8 ? 8 : integer->typeId <= sysobj::DT_UINT16 ? 16 : 32;
+}
+
 void verifyConst(const Node& node, const Report& report)
 {
     if (!CG::isInteger(node.type) && !CG::isBoolean(node.type))
         return;
     const bool isUnsigned = node.type->typeId == sysobj::DT_UINT8 || node.type->typeId == sysobj::DT_UINT16
                             || node.type->typeId == sysobj::DT_UINT32;
-    const int bitNum = node.type->typeId <= sysobj::DT_UINT8 ? 8 : node.type->typeId <= sysobj::DT_UINT16 ? 16 : 32;
+    const int bitNum = bitNumOf(node.type);
     const double limit = CG::isBoolean(node.type) ? 2.0 : std::ldexp(1.0, isUnsigned ? bitNum : bitNum - 1);
     const double lowest = isUnsigned || CG::isBoolean(node.type) ? 0.0 : -limit;
     if (std::trunc(node.value) != node.value || !(node.value >= lowest && node.value < limit))
         report(fmt::format("constant {} does not fit into {}", node.value, typeText(node.type)));
 }
 
+/// An element of an array of known width, by an index that is known too.
+void verifyIndex(const Node& node, const Report& report)
+{
+    const Node* const array = node.in[0];
+    const Node* const idx = node.in[1];
+    if (array->kind != Node::Kind::Variable || array->var->width == 0 || idx->kind != Node::Kind::Const)
+        return;
+    if (!(idx->value >= 0.0 && idx->value < array->var->width))
+        report(fmt::format("{}[{}], but it has {} elements", array->var->name, idx->value, array->var->width));
+}
+
 void verifyBinary(const Node& node, const Report& report)
 {
     const Type* const left = node.in[0]->type;
     const Type* const right = node.in[1]->type;
-    const bool isShift = node.op == ">>";
+    const bool isShift = node.op == ">>" || node.op == "<<";
+    if (node.in[1]->kind == Node::Kind::Const && CG::isInteger(left)) {
+        if ((node.op == "/" || node.op == "%") && node.in[1]->value == 0.0)
+            report(fmt::format("{} {} 0", typeText(left), node.op));
+        if (isShift && !(node.in[1]->value >= 0.0 && node.in[1]->value < bitNumOf(left)))
+            report(fmt::format("{} {} {}: expected 0 to {}", typeText(left), node.op, node.in[1]->value, bitNumOf(left) - 1));
+    }
     if (!isSame(left, right) && !(isShift && CG::isInteger(right)))
         report(fmt::format("{} {} {}: expected operands of one type", typeText(left), node.op, typeText(right)));
 }
@@ -67,6 +89,8 @@ void verifyCall(const Node& call, const Report& report)
         report(fmt::format("no function {} is known", call.name));
         return;
     }
+    if (call.callee == Node::Callee::External && call.type != nullptr && !isSame(call.type, findExternal(call.name)->output))
+        report(fmt::format("{} as {}: gives {}", call.name, typeText(call.type), typeText(findExternal(call.name)->output)));
     const std::vector<const Type*> inputs = inputTypesOf(call);
     const std::string name = call.fcn != nullptr ? call.fcn->name : call.name;
     if (call.in.size() != inputs.size()) {
@@ -93,6 +117,7 @@ void verifyNode(const Node* node, std::set<const Node*>& seen, const Report& rep
     case Node::Kind::Assign: report("an assignment within an expression"); break;
     case Node::Kind::Const: verifyConst(*node, report); break;
     case Node::Kind::Binary: verifyBinary(*node, report); break;
+    case Node::Kind::Index: verifyIndex(*node, report); break;
     case Node::Kind::Call:
         verifyCall(*node, report);
         if (isCallWithSideEffects(*node) && !seen.insert(node).second)

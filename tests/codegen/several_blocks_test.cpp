@@ -16,6 +16,7 @@ constexpr std::int32_t PTS_NUM = 20;
 struct BlockKind {
     TransformType type;
     DataType dataType;
+    esttform::Layout layout = esttform::Layout::Columns;
 };
 
 /// The third one differs from the first in its points only.
@@ -27,19 +28,24 @@ esttform::Params paramsOf(const BlockKind& kind)
 {
     esttform::Settings settings;
     settings.type = kind.type;
+    settings.layout = kind.layout;
     settings.pointsType = settings.tformType = kind.dataType;
     return esttform::toParams(settings);
+}
+
+void addBlock(blockhost::ir::Model& model, const BlockKind& kind)
+{
+    blockhost::Block block(blockhost::pointBlockSetup(paramsOf(kind), kind.dataType, PTS_NUM, false, BLOCK_PATH));
+    block.prepare();
+    block.describe(model, {{{"Pts1", ""}, {"Pts2", ""}}, {{"TForm", ""}, {"Inlier", ""}}, {}});
 }
 
 /// model.h and model.c.
 std::vector<esttform::GeneratedFile> filesOfAllBlocks()
 {
     blockhost::ir::Model model;
-    for (const BlockKind& kind : BLOCKS) {
-        blockhost::Block block(blockhost::pointBlockSetup(paramsOf(kind), kind.dataType, PTS_NUM, false, BLOCK_PATH));
-        block.prepare();
-        block.describe(model, {{{"Pts1", ""}, {"Pts2", ""}}, {{"TForm", ""}, {"Inlier", ""}}, {}});
-    }
+    for (const BlockKind& kind : BLOCKS)
+        addBlock(model, kind);
     const std::vector<blockhost::ir::Violation> violations = verify(model);
     EXPECT_TRUE(violations.empty()) << violations.front().text;
     std::vector<esttform::GeneratedFile> files;
@@ -68,6 +74,19 @@ TEST(SeveralBlocksTest, SharedFunctionsAreWrittenOnce)
         EXPECT_NE(source.find(head + "("), std::string::npos) << function;
         EXPECT_EQ(source.find(head), source.rfind(head)) << function << ": also under another name";
     }
+}
+
+/// The names of functions do not tell layouts apart, so that such blocks must not share a model.
+TEST(SeveralBlocksTest, BlocksOfTwoLayoutsAreRefused)
+{
+    blockhost::ir::Model model;
+    addBlock(model, BLOCKS[0]);
+    EXPECT_TRUE(verify(model).empty());
+    addBlock(model, {TransformType::Projective, DataType::Double, esttform::Layout::Rows});
+    const std::vector<blockhost::ir::Violation> violations = verify(model);
+    ASSERT_FALSE(violations.empty());
+    EXPECT_NE(violations.front().text.find("does something else here than for an earlier block"), std::string::npos)
+        << violations.front().text;
 }
 
 /// Each block's points are scaled by another factor, which its own TForm shows and no other.

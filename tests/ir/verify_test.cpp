@@ -63,6 +63,7 @@ const VerifyCase CASES[] = {
      [](World& w, tree::Builder& f) {
          const Expr i = f.createLocal("i", uint32T());
          const Expr x = f.createLocal("x", doubleT());
+         f.Assign(x, 0);
          w.host->AddHeader("<stdlib.h>");
          f.AppendStatement(w.external("srand", 1, {w.rand()}));
          ForBlock loop(f, i, 8);
@@ -137,6 +138,58 @@ const VerifyCase CASES[] = {
     {"sizeOfNoOutput",
      [](World& w, tree::Builder&) { w.host->SetCurrentOutputDim(1, 0, w.host->CreateConst(1)); },
      "output port 1 has no variable size along dimension 0"},
+    {"indexBehindTheArray", [](World& w, tree::Builder& f) { f.Assign(w.out[8], 1); }, "out[8], but it has 8 elements"},
+    {"resultOfAnotherType",
+     [](World& w, tree::Builder& f) {
+         w.host->AddHeader("<time.h>");
+         f.Assign(f.createLocal("i", int32T()), Expr(w.external("clock", 0, {}, int32T())));
+     },
+     "clock as int32: gives uint32"},
+    {"incrementOfABoolean", [](World&, tree::Builder& f) { f.increment(f.createLocal("b", booleanT())); },
+     "one more or less of boolean"},
+    {"nameOfALocal", [](World&, tree::Builder& f) { f.createLocal("2nd", doubleT()); }, "local \"2nd\": expected letters"},
+    {"nameOfAFunction",
+     [](World& w, tree::Builder&) { tree::Function(w.output(), "a b", {}, [](auto&) {}).findOrCreateFcn(); },
+     "function \"a b\": expected letters"},
+    {"divisionByZero",
+     [](World&, tree::Builder& f) {
+         const Expr i = f.createLocal("i", int32T());
+         f.Assign(i, 1);
+         f.Assign(i, i % 0);
+     },
+     "int32 % 0"},
+    {"shiftByTooMuch",
+     [](World&, tree::Builder& f) {
+         const Expr i = f.createLocal("i", uint32T());
+         f.Assign(i, 1);
+         f.Assign(i, i >> 32);
+     },
+     "uint32 >> 32: expected 0 to 31"},
+    {"localThatNothingWrites", [](World& w, tree::Builder& f) { f.Assign(w.out[0], f.createLocal("x", doubleT())); },
+     "x is read, but nothing writes it"},
+    {"useBeforeDeclaration",
+     [](World& w, tree::Builder& f) {
+         Block& block = w.output().innermost();
+         f.Assign(w.out[0], 1);
+         const Expr x = f.createLocal("x", doubleT());
+         f.Assign(x, 1);
+         std::swap(block.stmts[0], block.stmts[1]);
+     },
+     "x is not known here"},
+    {"sizeInStartCode",
+     [](World& w, tree::Builder&) {
+         tree::Builder start(w.model.blocks.back()->start);
+         start.Assign(start.createLocal("n", int32T()), Expr(w.host->GetCurrentInputDim(0, 1)));
+     },
+     "sizes are known in a step only"},
+    {"oneNameForTwoFunctions",
+     [](World& w, tree::Builder& f) {
+         ++w.model.module.blockNum;                      // as another block does
+         tree::Function other(w.output(), "scale", {{"x", tree::arrayOf(doubleT())}, {"factor", doubleT()}},
+                              [](auto& g) { g.Assign(g.getInputNumRef(0)[0], g.getInputNumRef(1)); });
+         f.AppendStatement(cg_node_create_fcn_call_with_aux_in(other.findOrCreateFcn()));
+     },
+     "scale does something else here than for an earlier block"},
     {"nullExpression", [](World& w, tree::Builder& f) { f.Assign(w.out[0], Expr()); }, "an expression is missing"},
 };
 
