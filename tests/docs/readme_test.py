@@ -1,6 +1,6 @@
 """Runs every command of README and docs and compares the output and the program that they show with what they are.
 
-Usage: readme_test.py SOURCE_FOLDER ESTTFORM SHIFT_EXAMPLE
+Usage: readme_test.py SOURCE_FOLDER ESTTFORM EXAMPLE_PROGRAM...
 """
 import os
 import pathlib
@@ -10,8 +10,9 @@ import subprocess
 import sys
 import tempfile
 
-source, esttform, shift_example = (pathlib.Path(arg).resolve() for arg in sys.argv[1:4])
-pages = ["README.md", "docs/generated-code.md", "docs/pictures.md"]
+source, esttform, *examples = (pathlib.Path(arg).resolve() for arg in sys.argv[1:])
+# Benchmarks take longer than a test may.
+pages = ["README.md", *sorted(f"docs/{path.name}" for path in (source / "docs").glob("*.md") if path.name != "benchmarks.md")]
 readme = (source / "README.md").read_text()
 failures = []
 outputs = {}
@@ -23,7 +24,7 @@ def run_commands(folder, environment, text):
     for line in text.splitlines():
         words = shlex.split(line)
         program = str(esttform) if words[0] == "build/release/bin/esttform" else words[0]
-        is_tool = program in (str(esttform), "cmake", "gcc") or (pathlib.Path(folder) / program).is_file()
+        is_tool = program in (str(esttform), "cmake", "gcc", "head", "printf", "cat") or (pathlib.Path(folder) / program).is_file()
         if is_tool:
             run = subprocess.run([program, *words[1:]], cwd=folder, env=environment, capture_output=True, text=True)
             if "built without OpenCV" in run.stderr:
@@ -50,6 +51,12 @@ for page in pages:
             if language == "sh":
                 run_commands(folder, environment, text)
 
+for example in examples:
+    outputs[str(example)] = subprocess.run([str(example)], capture_output=True, text=True).stdout
+shift_output = next(output for path, output in outputs.items() if path.endswith("shift_example")).strip()
+if f"prints `{shift_output}`" not in readme:
+    failures.append(f"examples/shift.cpp prints {shift_output!r}, the README says otherwise")
+
 for text in shown:
     if text not in outputs.values():
         failures.append(f"a result that is shown is none of the results:\n{text}")
@@ -58,14 +65,13 @@ lines = {line.split()[0].rsplit("/", 1)[-1]: output for line, output in outputs.
 if lines.get("esttform_main") != lines.get("esttform", "no estimate"):
     failures.append("the generated program prints something else than the engine")
 
-program = next((text for language, text in re.findall(r"```(\w*)\n(.*?)```", readme, re.S) if language == "cpp"), "none")
-if program != (source / "examples/shift.cpp").read_text():
-    failures.append("the C++ program that is shown is not examples/shift.cpp")
-printed = subprocess.run([str(shift_example)], capture_output=True, text=True).stdout.strip()
-if f"prints `{printed}`" not in readme:
-    failures.append(f"examples/shift.cpp prints {printed!r}, the README says otherwise")
+programs = [(source / "examples" / path.name.replace("_example", ".cpp")).read_text() for path in examples]
+for page in pages:
+    for language, text in re.findall(r"```(\w*)\n(.*?)```", (source / page).read_text(), re.S):
+        if language == "cpp" and text not in programs:
+            failures.append(f"{page}: the C++ program that is shown is no example")
 
-for page in [*pages, *(str(path.relative_to(source)) for path in (source / "docs").glob("*.md"))]:
+for page in [*pages, "docs/benchmarks.md"]:
     for target in re.findall(r"\]\(([^)#:]+)\)", (source / page).read_text()):
         if not (source / page).parent.joinpath(target).exists():
             failures.append(f"{page}: link to {target}: no such file")
