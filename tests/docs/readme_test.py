@@ -65,6 +65,12 @@ lines = {line.split()[0].rsplit("/", 1)[-1]: output for line, output in outputs.
 if lines.get("esttform_main") != lines.get("esttform", "no estimate"):
     failures.append("the generated program prints something else than the engine")
 
+listed = subprocess.run([str(esttform), "params"], capture_output=True, text=True).stdout
+for index, default in re.findall(r"^ *(\d+)  .*default ([^;]+);", listed, re.M):
+    row = next((line for line in (source / "docs/block.md").read_text().splitlines() if line.startswith(f"| {index} ")), "")
+    if f"| {default} |" not in row:
+        failures.append(f"docs/block.md: parameter {index} has the default {default}")
+
 programs = [(source / "examples" / path.name.replace("_example", ".cpp")).read_text() for path in examples]
 for page in pages:
     for language, text in re.findall(r"```(\w*)\n(.*?)```", (source / page).read_text(), re.S):
