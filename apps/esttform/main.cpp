@@ -1,5 +1,6 @@
 // The program esttform: subcommands, messages and exit codes.
 
+#include "check_command.h"
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
@@ -61,6 +62,9 @@ ExitCode run(int argc, char** argv)
     TraceOptions traceOptions;
     CLI::App& trace = *app.add_subcommand("trace", "show the calls between host and block");
     addTraceOptions(trace, traceOptions);
+    CheckOptions checkOptions;
+    CLI::App& check = *app.add_subcommand("check", "examine a block as a strict host would");
+    addCheckOptions(check, checkOptions);
     CodegenOptions codegenOptions;
     CLI::App& codegen = *app.add_subcommand("codegen", "generate C code that estimates as the block does");
     addCodegenOptions(codegen, codegenOptions);
@@ -79,6 +83,8 @@ ExitCode run(int argc, char** argv)
     }
     if (params.parsed())
         return printOut(paramsText());
+    if (check.parsed())
+        return runCheck(checkOptions);
     if (codegen.parsed())
         return runCodegen(codegenOptions);
     if (registering.parsed())
