@@ -2,6 +2,7 @@
 
 #include "block_run.h"
 #include "inlier_writer.h"
+#include "interruption.h"
 #include "not_found.h"
 #include "number_text.h"
 #include "option_checks.h"
@@ -98,7 +99,7 @@ ExitCode runEstimate(const EstimateOptions& o)
 
     Estimator estimator = openEstimator(setup, source);
     const Layout layout = estimator.layout();
-    OutputFile output(o.outputPath);
+    OutputFile output(o.outputPath, Unfinished::Keep);
     std::unique_ptr<InlierWriter> inlierWriter;
     if (!o.inliersPath.empty())
         inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header());
@@ -116,6 +117,7 @@ ExitCode runEstimate(const EstimateOptions& o)
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
         label.frame = frame->number;
         const StepResult& result = runStep(estimator, *frame);
+        const InterruptionHold hold;                     // a step is written to all its outputs or to none
         writer.write(label, result);
         if (o.input.maxPtsNum)
             output.flush();

@@ -28,7 +28,8 @@ struct EstimateOptions {
 /// Adds the command's options. `options` must outlive the parsing.
 void addEstimateOptions(CLI::App& command, EstimateOptions& options);
 
-/// Runs the command. Files appear only when every step has been written; standard output is written step by step.
+/// Runs the command. Files appear only when every step has been written; standard output is written step by step. A signal
+/// that ends the program keeps the finished steps of results and inliers; plot and report do not appear.
 ///
 /// @return Done, or NothingFound if no step found a transformation
 /// @throws Failure, Error

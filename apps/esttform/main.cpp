@@ -3,6 +3,7 @@
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
+#include "interruption.h"
 #include "output_file.h"
 #include "params_command.h"
 #include "register_command.h"
@@ -52,7 +53,7 @@ ExitCode run(int argc, char** argv)
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
     app.footer("Exit codes: 0 done, 1 no transformation found, 2 wrong usage or input, 3 block could not be loaded,\n"
-               "4 fault of the program. 'esttform COMMAND --help' tells more.");
+               "4 fault of the program, 130 interrupted. 'esttform COMMAND --help' tells more.");
 
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
@@ -91,6 +92,7 @@ ExitCode run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);                       // a write then fails, and what is half-written is removed
+    watchInterruption(OutputFile::finishAll);
     try {
         return static_cast<int>(run(argc, argv));
     } catch (const ClosedPipe& e) {
