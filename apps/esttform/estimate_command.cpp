@@ -62,6 +62,10 @@ std::string whereOf(const StepLabel& label, const MatchReader& reader)
 void addEstimateOptions(CLI::App& command, EstimateOptions& o)
 {
     addInputOptions(command, o.input);
+    command.add_flag("--follow", o.input.isFollowed,
+                     "wait for more lines at the end of the file until interrupted; a step is complete when the next one "
+                     "begins")
+        ->group("Input");
     addBlockOptions(command, o.block);
     const char* const OUTPUT = "Output";
     command.add_option("--format", o.format,
@@ -116,10 +120,12 @@ ExitCode runEstimate(const EstimateOptions& o)
     StepLabel label;
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
         label.frame = frame->number;
+        if (source.maxPtsNum() > estimator.maxPtsNum())
+            growEstimator(estimator, setup, source.maxPtsNum());
         const StepResult& result = runStep(estimator, *frame);
         const InterruptionHold hold;                     // a step is written to all its outputs or to none
         writer.write(label, result);
-        if (o.input.maxPtsNum)
+        if (source.isStreamed())
             output.flush();
         if (inlierWriter)
             inlierWriter->write(*frame, result);
