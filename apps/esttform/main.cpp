@@ -1,5 +1,6 @@
 // The program esttform: subcommands, messages and exit codes.
 
+#include "batch_command.h"
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
@@ -58,6 +59,9 @@ ExitCode run(int argc, char** argv)
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
     addEstimateOptions(estimate, estimateOptions);
+    BatchOptions batchOptions;
+    CLI::App& batch = *app.add_subcommand("batch", "estimate one transformation from each of many files");
+    addBatchOptions(batch, batchOptions);
     const CLI::App& params = *app.add_subcommand("params", "list the block's parameters");
     TraceOptions traceOptions;
     CLI::App& trace = *app.add_subcommand("trace", "show the calls between host and block");
@@ -80,6 +84,8 @@ ExitCode run(int argc, char** argv)
     }
     if (params.parsed())
         return printOut(paramsText());
+    if (batch.parsed())
+        return runBatch(batchOptions);
     if (codegen.parsed())
         return runCodegen(codegenOptions);
     if (registering.parsed())
