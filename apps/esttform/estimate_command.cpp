@@ -6,9 +6,11 @@
 #include "not_found.h"
 #include "number_text.h"
 #include "option_checks.h"
+#include "progress.h"
 #include "shown_step.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <limits>
 #include <memory>
@@ -116,6 +118,8 @@ ExitCode runEstimate(const EstimateOptions& o)
     Warnings warnings(o.isQuiet);
     ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
     ShownStep shownStep(o.plotStep);
+    const bool isOnTerminal = o.outputPath == "-" && ::isatty(STDOUT_FILENO) == 1;   // the results show how far it is
+    Progress progress("steps", source.stepNum(), o.isQuiet || isOnTerminal);
     std::int64_t foundNum = 0;
     StepLabel label;
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
@@ -131,6 +135,8 @@ ExitCode runEstimate(const EstimateOptions& o)
             inlierWriter->write(*frame, result);
         if (plotFile || reportFile)
             shownStep.offer(label, *frame, result, layout, setup);
+        if (!result.warnings.empty() || !result.isFound())
+            progress.hide();
         for (const Message& warning : result.warnings)
             warnings.print(whereOf(label, reader), fmt::format("{}: {}{}", warning.id, warning.text,
                                                                warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
@@ -139,7 +145,9 @@ ExitCode runEstimate(const EstimateOptions& o)
         else if (!result.error)
             warnings.print(whereOf(label, reader), fmt::format("no {} transformation found: {}", setup.typeText(),
                                                                reasonNotFound(*frame, setup)));
+        progress.show(label.step + 1);
     }
+    progress.hide();
     if (source.nonFiniteNum() > 0)
         warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
                                                   counted(source.pairNum(), "pair"),

@@ -54,7 +54,8 @@ FrameSource::FrameSource(const InputOptions& input, const ReaderOptions& options
         mHasFrame = read(mReader, mFrame);
     } else {
         MatchReader scanner(input.path, options);
-        while (read(scanner, mFrame)) {}
+        while (read(scanner, mFrame))
+            ++mStepNum;
         mIsBounded = true;
     }
 }

@@ -45,6 +45,8 @@ public:
     bool isVariableSize() const noexcept { return mReader.hasFrames() || mIsBounded; }
     /// True when somebody may wait for each step: the input is no file, or is followed, or steps were asked for as they come.
     bool isStreamed() const noexcept { return mIsStreamed; }
+    /// All steps; 0 when their number is not known before the last.
+    std::int64_t stepNum() const noexcept { return mStepNum; }
     const MatchReader& reader() const noexcept { return mReader; }
     /// Pairs with a coordinate that is not finite, in the steps handed out.
     std::int64_t nonFiniteNum() const noexcept { return mNonFiniteNum; }
@@ -62,6 +64,7 @@ private:
     MatchReader mReader;
     MatchFrame mFrame;
     bool mHasFrame = false;            ///< mFrame was read ahead
+    std::int64_t mStepNum = 0;
     std::int64_t mNonFiniteNum = 0;
     std::int64_t mPairNum = 0;
 };

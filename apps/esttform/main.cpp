@@ -7,6 +7,7 @@
 #include "interruption.h"
 #include "output_file.h"
 #include "params_command.h"
+#include "progress.h"
 #include "register_command.h"
 #include "trace_command.h"
 
@@ -98,7 +99,10 @@ ExitCode run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);                       // a write then fails, and what is half-written is removed
-    watchInterruption(OutputFile::finishAll);
+    watchInterruption([]() noexcept {
+        Progress::leave();
+        OutputFile::finishAll();
+    });
     try {
         return static_cast<int>(run(argc, argv));
     } catch (const ClosedPipe& e) {

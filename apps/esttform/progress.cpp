@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 
 namespace esttform::app {
@@ -12,6 +13,8 @@ namespace {
 
 constexpr std::chrono::milliseconds DELAY{1000}, INTERVAL{100};
 constexpr std::int64_t BAR_SIZE = 20;
+
+volatile std::sig_atomic_t gIsOnScreen = 0;
 
 std::string timeText(double seconds)
 {
@@ -52,15 +55,21 @@ void Progress::show(std::int64_t doneNum)
         return;
     const Clock::time_point now = Clock::now();
     mNext = now + INTERVAL;
-    mIsOnScreen = true;
+    gIsOnScreen = 1;
     fmt::print(stderr, "\r{}\x1b[K", lineOf(mUnit, doneNum, mTotalNum, std::chrono::duration<double>(now - mBegin).count()));
 }
 
 void Progress::hide()
 {
-    if (mIsOnScreen)
+    if (gIsOnScreen != 0)
         fmt::print(stderr, "\r\x1b[K");
-    mIsOnScreen = false;
+    gIsOnScreen = 0;
+}
+
+void Progress::leave() noexcept
+{
+    if (gIsOnScreen != 0)
+        (void)!::write(STDERR_FILENO, "\n", 1);
 }
 
 }  // namespace esttform::app

@@ -9,6 +9,8 @@ namespace esttform::app {
 
 class Progress {
 public:
+    /// One at a time.
+    ///
     /// @param unit      what is counted, in the plural: "files"
     /// @param totalNum  0: not known
     /// @param isQuiet   show nothing
@@ -23,6 +25,9 @@ public:
     /// Takes the line away, so that a message can be printed; the next show brings it back.
     void hide();
 
+    /// For the end by a signal: leaves the line as it is and goes to the next.
+    static void leave() noexcept;
+
     /// The line: bar, counts, rate and remaining time.
     ///
     /// @param seconds  since the work began
@@ -34,7 +39,6 @@ private:
     const char* mUnit;
     std::int64_t mTotalNum;
     bool mIsShown;               ///< there is a terminal and somebody who wants to see it
-    bool mIsOnScreen = false;
     Clock::time_point mBegin = Clock::now(), mNext;
 };
 

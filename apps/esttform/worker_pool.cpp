@@ -174,16 +174,15 @@ bool WorkerPool::hand(Worker& worker, std::int64_t task) const
 /// Takes what a worker has sent.
 void WorkerPool::receive(Worker& worker)
 {
-    const std::size_t oldSize = worker.received.size();
-    worker.received.resize(oldSize + BLOCK_SIZE);
-    const ssize_t got = ::read(worker.answers, worker.received.data() + oldSize, BLOCK_SIZE);
-    worker.received.resize(oldSize + static_cast<std::size_t>(got > 0 ? got : 0));
+    std::array<char, BLOCK_SIZE> block;
+    const ssize_t got = ::read(worker.answers, block.data(), block.size());
     if (got < 0 && errno == EINTR)
         return;
     if (got <= 0) {
         replace(worker);
         return;
     }
+    worker.received.append(block.data(), static_cast<std::size_t>(got));
     for (std::size_t size = 0; worker.received.size() >= sizeof size; worker.received.erase(0, sizeof size + size)) {
         std::memcpy(&size, worker.received.data(), sizeof size);
         if (worker.received.size() - sizeof size < size)
