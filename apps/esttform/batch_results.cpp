@@ -81,10 +81,11 @@ void BatchResults::keep(const BatchFormat& format, const std::vector<std::string
         const auto idx = mKept.sum();
         if (!format.parse(line, name, lineSeed, outcome))
             throw Failure(fmt::format("{}:{}: no result of a batch; --resume cannot go on with it", mPath, lineNo));
-        if (idx >= static_cast<std::int64_t>(files.size()) || name != validText(files[static_cast<std::size_t>(idx)]))
-            throw Failure(fmt::format("{}:{}: result of {}, expected {}; --resume needs the same files", mPath, lineNo,
-                                      inQuotes(name), idx < static_cast<std::int64_t>(files.size())
-                                                          ? inQuotes(files[static_cast<std::size_t>(idx)]) : "no more"));
+        const bool isMore = idx >= static_cast<std::int64_t>(files.size());
+        const std::string expected = isMore ? "" : validText(files[static_cast<std::size_t>(idx)]);
+        if (isMore || name != expected)
+            throw Failure(fmt::format("{}:{}: result of \"{}\", expected {}; --resume needs the same files", mPath, lineNo,
+                                      name, isMore ? "no more" : "\"" + expected + "\""));
         if (lineSeed != batchSeed(seed, idx))
             throw Failure(fmt::format("{}:{}: seed {}, expected {}; --resume needs the same --seed", mPath, lineNo, lineSeed,
                                       batchSeed(seed, idx)));
