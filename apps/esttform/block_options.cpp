@@ -22,6 +22,9 @@ constexpr std::int64_t SAMPLE_NUM_MAX = std::numeric_limits<std::int32_t>::max()
 
 constexpr int PARAM_TRANSFORM_TYPE = 0;
 constexpr int PARAM_EXCLUDE_OUTLIERS = 1;
+constexpr int PARAM_METHOD = 2;
+constexpr int PARAM_THRESHOLD_PROJECTIVE = 3;
+constexpr int PARAM_THRESHOLD_AFFINE = 4;
 constexpr int PARAM_OUTPUT_INLIERS = 12;
 
 constexpr std::array<const char*, 4> TYPE_TEXTS{"unknown", "similarity", "affine", "projective"};
@@ -163,6 +166,13 @@ int codeOf(double value) noexcept
 int BlockSetup::sampleSize() const noexcept
 {
     return transformType == 0 ? 0 : transformType + 1;
+}
+
+std::optional<double> BlockSetup::threshold() const noexcept
+{
+    if (!isRobust || codeOf(params[PARAM_METHOD]) != static_cast<int>(Method::Threshold))
+        return {};
+    return params[transformType == static_cast<int>(TransformType::Projective) ? PARAM_THRESHOLD_PROJECTIVE : PARAM_THRESHOLD_AFFINE];
 }
 
 const char* BlockSetup::typeText() const noexcept

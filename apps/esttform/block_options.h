@@ -49,6 +49,8 @@ struct BlockSetup {
 
     /// Point pairs that the transformation needs; 0 for a code that the block refuses.
     int sampleSize() const noexcept;
+    /// Squared algebraic distance up to which a pair is an inlier; empty when the method has none.
+    std::optional<double> threshold() const noexcept;
     /// "similarity", "affine" or "projective".
     const char* typeText() const noexcept;
 };

@@ -2,12 +2,15 @@
 
 #include "block_run.h"
 #include "inlier_writer.h"
+#include "interruption.h"
 #include "not_found.h"
 #include "number_text.h"
 #include "option_checks.h"
+#include "progress.h"
 #include "shown_step.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <limits>
 #include <memory>
@@ -61,6 +64,10 @@ std::string whereOf(const StepLabel& label, const MatchReader& reader)
 void addEstimateOptions(CLI::App& command, EstimateOptions& o)
 {
     addInputOptions(command, o.input);
+    command.add_flag("--follow", o.input.isFollowed,
+                     "wait for more lines at the end of the file until interrupted; a step is complete when the next one "
+                     "begins")
+        ->group("Input");
     addBlockOptions(command, o.block);
     const char* const OUTPUT = "Output";
     command.add_option("--format", o.format,
@@ -79,6 +86,10 @@ void addEstimateOptions(CLI::App& command, EstimateOptions& o)
     command.add_option("--image1", o.image1Path, "PNG image that the first points lie on, in pixels, for --plot and --report")
         ->type_name("FILE")->group(OUTPUT);
     command.add_option("--image2", o.image2Path, "the same for the second points")->type_name("FILE")->group(OUTPUT);
+    command.add_flag("--diagnose,!--no-diagnose", o.isDiagnosed,
+                     "say whether the result is to be trusted, and why not; json and csv get a key or column more (default: "
+                     "with text)")
+        ->group(OUTPUT);
     command.add_flag("-q,--quiet", o.isQuiet, "no warnings on standard error; json and csv still name them")->group(OUTPUT);
 }
 
@@ -98,7 +109,7 @@ ExitCode runEstimate(const EstimateOptions& o)
 
     Estimator estimator = openEstimator(setup, source);
     const Layout layout = estimator.layout();
-    OutputFile output(o.outputPath);
+    OutputFile output(o.outputPath, Unfinished::Keep);
     std::unique_ptr<InlierWriter> inlierWriter;
     if (!o.inliersPath.empty())
         inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header());
@@ -109,20 +120,32 @@ ExitCode runEstimate(const EstimateOptions& o)
         reportFile = std::make_unique<OutputFile>(o.reportPath);
 
     Warnings warnings(o.isQuiet);
+    const bool isDiagnosed = o.isDiagnosed.value_or(formatOf(o.format) == Format::Text || reportFile);
     ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
     ShownStep shownStep(o.plotStep);
+    const bool isOnTerminal = o.outputPath == "-" && ::isatty(STDOUT_FILENO) == 1;   // the results show how far it is
+    Progress progress("steps", source.stepNum(), o.isQuiet || isOnTerminal);
     std::int64_t foundNum = 0;
     StepLabel label;
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
         label.frame = frame->number;
+        if (source.maxPtsNum() > estimator.maxPtsNum())
+            growEstimator(estimator, setup, source.maxPtsNum());
         const StepResult& result = runStep(estimator, *frame);
-        writer.write(label, result);
-        if (o.input.maxPtsNum)
+        std::optional<Diagnosis> diagnosis;
+        if (isDiagnosed)
+            diagnosis = diagnose(frame->pairs, result, layout, setup,
+                                 result.isFound() || result.error ? "" : reasonNotFound(*frame, setup));
+        const InterruptionHold hold;                     // a step is written to all its outputs or to none
+        writer.write(label, result, diagnosis ? &*diagnosis : nullptr);
+        if (source.isStreamed())
             output.flush();
         if (inlierWriter)
             inlierWriter->write(*frame, result);
         if (plotFile || reportFile)
-            shownStep.offer(label, *frame, result, layout, setup);
+            shownStep.offer(label, *frame, result, layout, setup, diagnosis ? notesOf(*diagnosis) : std::vector<DiagnosisNote>());
+        if (!result.warnings.empty() || !result.isFound() || (diagnosis && !diagnosis->isTrusted()))
+            progress.hide();
         for (const Message& warning : result.warnings)
             warnings.print(whereOf(label, reader), fmt::format("{}: {}{}", warning.id, warning.text,
                                                                warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
@@ -131,7 +154,12 @@ ExitCode runEstimate(const EstimateOptions& o)
         else if (!result.error)
             warnings.print(whereOf(label, reader), fmt::format("no {} transformation found: {}", setup.typeText(),
                                                                reasonNotFound(*frame, setup)));
+        if (diagnosis && result.isFound())
+            for (const DiagnosisNote& note : diagnosis->warnings)
+                warnings.print(whereOf(label, reader), fmt::format("not to be trusted: {}: {}", note.title, note.text));
+        progress.show(label.step + 1);
     }
+    progress.hide();
     if (source.nonFiniteNum() > 0)
         warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
                                                   counted(source.pairNum(), "pair"),

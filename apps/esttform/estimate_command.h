@@ -22,13 +22,15 @@ struct EstimateOptions {
     std::string reportPath;                 ///< empty: none
     std::optional<std::int64_t> plotStep;   ///< empty: the first step with a result
     std::string image1Path, image2Path;     ///< empty: none
+    std::optional<bool> isDiagnosed;        ///< empty: with text only
     bool isQuiet = false;
 };
 
 /// Adds the command's options. `options` must outlive the parsing.
 void addEstimateOptions(CLI::App& command, EstimateOptions& options);
 
-/// Runs the command. Files appear only when every step has been written; standard output is written step by step.
+/// Runs the command. Files appear only when every step has been written; standard output is written step by step. A signal
+/// that ends the program keeps the finished steps of results and inliers; plot and report do not appear.
 ///
 /// @return Done, or NothingFound if no step found a transformation
 /// @throws Failure, Error

@@ -13,6 +13,7 @@ enum class ExitCode : int {
     BadInput = 2,      ///< wrong usage, unreadable or wrong input, output that cannot be written
     NoBlock = 3,       ///< the block could not be loaded
     OurFault = 4,      ///< a fault of this system
+    Interrupted = 130, ///< ended by Ctrl-C or a signal like it
 };
 
 /// Ends the run. what() is one line without the program's name: where, what was found, what was expected.

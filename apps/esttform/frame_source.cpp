@@ -7,8 +7,22 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <utility>
 
 namespace esttform::app {
+
+namespace {
+
+ReaderOptions readerOptionsOf(const InputOptions& input, ReaderOptions options)
+{
+    if (input.isFollowed && input.path == "-")
+        throw Failure("--follow: got standard input, expected a file; standard input is read to its end in any case");
+    options.isFollowed = input.isFollowed;
+    return options;
+}
+
+}  // namespace
 
 void addInputOptions(CLI::App& command, InputOptions& options)
 {
@@ -22,51 +36,54 @@ void addInputOptions(CLI::App& command, InputOptions& options)
                        "columns of x1,y1,x2,y2 and perhaps frame: names of the header or positions counted from 1")
         ->delimiter(',')->allow_extra_args(false)->type_name("LIST")->group(INPUT);
     command.add_option("--max-points", options.maxPtsNum,
-                       "most pairs of a step, so that steps run as they are read (default: the largest step of the input)")
+                       "most pairs of a step, refuses larger ones (default: the largest step of the input; of a stream, the "
+                       "largest so far)")
         ->check(wholeBetween(1, static_cast<std::int64_t>(MatchReader::PAIR_MAX_NUM)))->type_name("N")->group(INPUT);
 }
 
 FrameSource::FrameSource(const InputOptions& input, const ReaderOptions& options, int sampleSize, const char* typeText)
-    : mReader(input.path, options), mIsStreamed(input.maxPtsNum.has_value()), mSampleSize(sampleSize), mTypeText(typeText),
-      mMaxPtsNum(input.maxPtsNum.value_or(sampleSize))
+    : mIsBounded(input.maxPtsNum.has_value()),
+      mIsStreamed(mIsBounded || input.isFollowed || input.path == "-" || !std::filesystem::is_regular_file(input.path)), mSampleSize(sampleSize),
+      mTypeText(typeText), mMaxPtsNum(input.maxPtsNum.value_or(sampleSize)), mReader(input.path, readerOptionsOf(input, options))
 {
-    if (mIsStreamed) {
-        mFrames.resize(1);
+    if (input.isFollowed && !mReader.hasFrames())
+        throw Failure(fmt::format("{}: no column frame, which says where a step ends; --follow needs one", mReader.name()));
+    if (mIsBounded)
         return;
+    if (mIsStreamed || !mReader.hasFrames()) {
+        mHasFrame = read(mReader, mFrame);
+    } else {
+        MatchReader scanner(input.path, options);
+        while (read(scanner, mFrame))
+            ++mStepNum;
+        mIsBounded = true;
     }
-    for (MatchFrame frame; read(frame); mFrames.push_back(std::move(frame)))
-        mMaxPtsNum = std::max(mMaxPtsNum, static_cast<std::int32_t>(frame.pairs.size()));
 }
 
 /// Reads one step and refuses it if it can never be carried out.
-bool FrameSource::read(MatchFrame& frame)
+bool FrameSource::read(MatchReader& reader, MatchFrame& frame)
 {
-    if (!mReader.next(frame))
+    if (!reader.next(frame))
         return false;
     const auto pairNum = static_cast<std::int64_t>(frame.pairs.size());
-    if (!mReader.hasFrames() && pairNum < mSampleSize)
-        throw Failure(fmt::format("{}: {}, {} {} transformation needs at least {}", mReader.name(),
+    if (!reader.hasFrames() && pairNum < mSampleSize)
+        throw Failure(fmt::format("{}: {}, {} {} transformation needs at least {}", reader.name(),
                                   counted(pairNum, "pair"), mTypeText[0] == 'a' ? "an" : "a", mTypeText, mSampleSize));
-    if (mIsStreamed && pairNum > mMaxPtsNum)
-        throw Failure(fmt::format("{}: {}{}, expected at most {} (--max-points)", mReader.name(),
+    if (mIsBounded && pairNum > mMaxPtsNum)
+        throw Failure(fmt::format("{}: {}{}, expected at most {} (--max-points)", reader.name(),
                                   frame.number ? fmt::format("frame {}: ", *frame.number) : "",
                                   counted(pairNum, "pair"), mMaxPtsNum));
+    mMaxPtsNum = std::max(mMaxPtsNum, static_cast<std::int32_t>(pairNum));
     return true;
 }
 
 const MatchFrame* FrameSource::next()
 {
-    if (mIsStreamed) {
-        mNextIdx = 0;
-        if (!read(mFrames.front()))
-            return nullptr;
-    }
-    if (mNextIdx == mFrames.size())
+    if (!std::exchange(mHasFrame, false) && !read(mReader, mFrame))
         return nullptr;
-    const MatchFrame& frame = mFrames[mNextIdx++];
-    mNonFiniteNum += frame.nonFiniteNum;
-    mPairNum += static_cast<std::int64_t>(frame.pairs.size());
-    return &frame;
+    mNonFiniteNum += mFrame.nonFiniteNum;
+    mPairNum += static_cast<std::int64_t>(mFrame.pairs.size());
+    return &mFrame;
 }
 
 }  // namespace esttform::app

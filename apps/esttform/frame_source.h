@@ -1,5 +1,5 @@
-// FrameSource: the steps of a run with the bound of their sizes, which the block must know before the first of them.
-// With a bound from the user the input is streamed; without one it is read to its end first.
+// FrameSource: the steps of a run with the bound of their sizes, which the block wants before the first of them.
+// Memory holds one step. A file is read twice when there is no bound from the user; a stream has none but what came so far.
 #pragma once
 
 #include "match_reader.h"
@@ -20,6 +20,7 @@ struct InputOptions {
     std::string path;
     std::vector<std::string> columns;
     std::optional<std::int32_t> maxPtsNum;
+    bool isFollowed = false;
 };
 
 /// Adds the input file and its options to a command. `options` must outlive the parsing.
@@ -27,20 +28,25 @@ void addInputOptions(CLI::App& command, InputOptions& options);
 
 class FrameSource {
 public:
-    /// Opens the input; without a bound reads all of it.
+    /// Opens the input. Without a bound from the user a file with frames is read once to find it, of a stream the first step.
     ///
     /// @param sampleSize  pairs that the transformation needs: the least bound, and the least number of pairs of an
     ///                    input without frames
-    /// @throws Failure  as MatchReader; too few pairs; a step with more pairs than the bound
+    /// @throws Failure  as MatchReader; too few pairs; a step with more pairs than the bound; a followed input without
+    ///                  frames, of which no step would be complete
     FrameSource(const InputOptions& input, const ReaderOptions& options, int sampleSize, const char* typeText);
 
     /// The next step's rows, null at the end. Valid until the next call. Throws as MatchReader::next.
     const MatchFrame* next();
 
-    /// Bound of the pairs of a step.
+    /// Bound of the pairs of a step. It grows with the steps of a stream without a bound from the user.
     std::int32_t maxPtsNum() const noexcept { return mMaxPtsNum; }
     /// False when every step has exactly maxPtsNum pairs.
-    bool isVariableSize() const noexcept { return mIsStreamed || mReader.hasFrames(); }
+    bool isVariableSize() const noexcept { return mReader.hasFrames() || mIsBounded; }
+    /// True when somebody may wait for each step: the input is no file, or is followed, or steps were asked for as they come.
+    bool isStreamed() const noexcept { return mIsStreamed; }
+    /// All steps; 0 when their number is not known before the last.
+    std::int64_t stepNum() const noexcept { return mStepNum; }
     const MatchReader& reader() const noexcept { return mReader; }
     /// Pairs with a coordinate that is not finite, in the steps handed out.
     std::int64_t nonFiniteNum() const noexcept { return mNonFiniteNum; }
@@ -48,15 +54,17 @@ public:
     std::int64_t pairNum() const noexcept { return mPairNum; }
 
 private:
-    bool read(MatchFrame& frame);
+    bool read(MatchReader& reader, MatchFrame& frame);
 
-    MatchReader mReader;
+    bool mIsBounded;                   ///< by the user
     bool mIsStreamed;
     int mSampleSize;
     const char* mTypeText;
-    std::int32_t mMaxPtsNum = 0;
-    std::vector<MatchFrame> mFrames;   ///< all steps, or the one that is streamed
-    std::size_t mNextIdx = 0;
+    std::int32_t mMaxPtsNum;
+    MatchReader mReader;
+    MatchFrame mFrame;
+    bool mHasFrame = false;            ///< mFrame was read ahead
+    std::int64_t mStepNum = 0;
     std::int64_t mNonFiniteNum = 0;
     std::int64_t mPairNum = 0;
 };

@@ -15,11 +15,13 @@ namespace esttform::app {
 namespace {
 
 constexpr std::size_t BLOCK_SIZE = 64 * 1024;
+/// Between two looks at the end of a file that is followed.
+constexpr useconds_t FOLLOW_MICROSECONDS = 50'000;
 constexpr std::string_view UTF8_MARK = "\xef\xbb\xbf";
 
 }  // namespace
 
-LineReader::LineReader(const std::string& path) : mName(path)
+LineReader::LineReader(const std::string& path, bool isFollowed) : mName(path), mIsFollowed(isFollowed)
 {
     if (path == "-") {
         mName = "standard input";
@@ -42,7 +44,7 @@ std::string LineReader::place() const
     return fmt::format("{}:{}", mName, mLineNo);
 }
 
-/// Appends what the file has ready, at most one block. @return false at the end of the file
+/// Appends what the file has ready, at most one block. @return false at the end of a file that is not followed
 bool LineReader::fill()
 {
     mBuffer.erase(0, mBegin);
@@ -52,7 +54,7 @@ bool LineReader::fill()
     ssize_t got = 0;
     do
         got = ::read(mFile, mBuffer.data() + oldSize, BLOCK_SIZE);
-    while (got < 0 && errno == EINTR);
+    while ((got < 0 && errno == EINTR) || (got == 0 && mIsFollowed && ::usleep(FOLLOW_MICROSECONDS) <= 0));
     if (got < 0)
         throw Failure(fmt::format("{}: cannot read: {}", mName, std::strerror(errno)));
     mBuffer.resize(oldSize + static_cast<std::size_t>(got));

@@ -16,8 +16,9 @@ public:
 
     /// Opens a file; "-" is standard input.
     ///
+    /// @param isFollowed  at the end of the file wait for more, for ever
     /// @throws Failure  the file cannot be opened
-    explicit LineReader(const std::string& path);
+    explicit LineReader(const std::string& path, bool isFollowed = false);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -41,6 +42,7 @@ private:
 
     std::string mName;
     int mFile = -1;
+    bool mIsFollowed;
     std::int64_t mLineNo = 0;
     std::string mBuffer;          ///< bytes read and not yet handed out, from mBegin on
     std::size_t mBegin = 0;

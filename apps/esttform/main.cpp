@@ -1,11 +1,14 @@
 // The program esttform: subcommands, messages and exit codes.
 
+#include "batch_command.h"
 #include "check_command.h"
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
+#include "interruption.h"
 #include "output_file.h"
 #include "params_command.h"
+#include "progress.h"
 #include "register_command.h"
 #include "trace_command.h"
 
@@ -53,11 +56,14 @@ ExitCode run(int argc, char** argv)
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
     app.footer("Exit codes: 0 done, 1 no transformation found, 2 wrong usage or input, 3 block could not be loaded,\n"
-               "4 fault of the program. 'esttform COMMAND --help' tells more.");
+               "4 fault of the program, 130 interrupted. 'esttform COMMAND --help' tells more.");
 
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
     addEstimateOptions(estimate, estimateOptions);
+    BatchOptions batchOptions;
+    CLI::App& batch = *app.add_subcommand("batch", "estimate one transformation from each of many files");
+    addBatchOptions(batch, batchOptions);
     const CLI::App& params = *app.add_subcommand("params", "list the block's parameters");
     TraceOptions traceOptions;
     CLI::App& trace = *app.add_subcommand("trace", "show the calls between host and block");
@@ -85,6 +91,8 @@ ExitCode run(int argc, char** argv)
         return printOut(paramsText());
     if (check.parsed())
         return runCheck(checkOptions);
+    if (batch.parsed())
+        return runBatch(batchOptions);
     if (codegen.parsed())
         return runCodegen(codegenOptions);
     if (registering.parsed())
@@ -97,6 +105,10 @@ ExitCode run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);                       // a write then fails, and what is half-written is removed
+    watchInterruption([]() noexcept {
+        Progress::leave();
+        OutputFile::finishAll();
+    });
     try {
         return static_cast<int>(run(argc, argv));
     } catch (const ClosedPipe& e) {

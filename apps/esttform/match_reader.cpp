@@ -17,7 +17,7 @@ bool isSkipped(std::string_view line) noexcept
 
 }  // namespace
 
-MatchReader::MatchReader(const std::string& path, const ReaderOptions& options) : mOptions(options), mLines(path)
+MatchReader::MatchReader(const std::string& path, const ReaderOptions& options) : mOptions(options), mLines(path, options.isFollowed)
 {
     if (!readFields())
         throw Failure(fmt::format("{}: no rows, expected rows of x1,y1,x2,y2", name()));

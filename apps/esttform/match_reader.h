@@ -26,6 +26,7 @@ struct ReaderOptions {
     DataType pointsType = DataType::Double;
     std::vector<std::string> columns;    ///< see findColumns
     bool keepRows = false;               ///< fill MatchFrame::rows
+    bool isFollowed = false;             ///< wait for more at the end of the file
 };
 
 /// Reads rows of x1, y1, x2, y2 and perhaps a frame number.

@@ -1,6 +1,7 @@
 #include "output_file.h"
 
 #include "failure.h"
+#include "interruption.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -36,14 +37,18 @@ mode_t currentUmask()
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path) : mPath(path)
+OutputFile* OutputFile::sFirst = nullptr;
+
+OutputFile::OutputFile(const std::string& path, Unfinished unfinished) : mUnfinished(unfinished), mPath(path)
 {
+    const InterruptionHold hold;
     if (path == "-") {
         mPath = "standard output";
         mFile = STDOUT_FILENO;
     } else {
         openFile();
     }
+    mNext = std::exchange(sFirst, this);
 }
 
 void OutputFile::openFile()
@@ -72,6 +77,11 @@ void OutputFile::openFile()
 
 OutputFile::~OutputFile()
 {
+    const InterruptionHold hold;
+    OutputFile** link = &sFirst;
+    while (*link != this)
+        link = &(*link)->mNext;
+    *link = mNext;
     if (!mTemporary.empty())
         ::unlink(mTemporary.c_str());
     if (mFile >= 0 && mFile != STDOUT_FILENO)
@@ -87,26 +97,40 @@ void OutputFile::fail(const char* action, int errorCode) const
 
 void OutputFile::write(std::string_view text)
 {
+    const InterruptionHold hold;
     mBuffer += text;
+    mHasText = true;
     if (mBuffer.size() >= BUFFER_SIZE)
         flush();
 }
 
-void OutputFile::flush()
+/// @return false if writing failed, with the reason in errno
+bool OutputFile::writeBuffer() noexcept
 {
     std::size_t doneNum = 0;
     while (doneNum < mBuffer.size()) {
         const ssize_t written = ::write(mFile, mBuffer.data() + doneNum, mBuffer.size() - doneNum);
         if (written < 0 && errno != EINTR)
-            fail("write", errno);
+            return false;
         if (written > 0)
             doneNum += static_cast<std::size_t>(written);
+        if (isInterrupted() && mTemporary.empty())
+            break;                                       // a reader that does not read must not keep the program
     }
     mBuffer.clear();
+    return true;
+}
+
+void OutputFile::flush()
+{
+    const InterruptionHold hold;
+    if (!writeBuffer())
+        fail("write", errno);
 }
 
 void OutputFile::commit()
 {
+    const InterruptionHold hold;
     flush();
     if (mTemporary.empty())
         return;
@@ -115,6 +139,24 @@ void OutputFile::commit()
     if (std::rename(mTemporary.c_str(), mTarget.c_str()) != 0)
         fail("create", errno);
     mTemporary.clear();
+}
+
+/// As commit, or as the destructor, with what a signal's handler may do.
+void OutputFile::finish() noexcept
+{
+    const bool isKept = mUnfinished == Unfinished::Keep && mHasText && writeBuffer() && ::close(mFile) == 0;
+    if (!isKept || ::rename(mTemporary.c_str(), mTarget.c_str()) != 0)
+        ::unlink(mTemporary.c_str());
+}
+
+void OutputFile::finishAll() noexcept
+{
+    for (OutputFile* file = sFirst; file != nullptr; file = file->mNext)
+        if (!file->mTemporary.empty())
+            file->finish();
+    for (OutputFile* file = sFirst; file != nullptr; file = file->mNext)
+        if (file->mTemporary.empty() && file->mFile >= 0)
+            file->writeBuffer();
 }
 
 bool isSameOutput(const std::string& path1, const std::string& path2)

@@ -3,6 +3,8 @@
 // are moved one by one from a hidden folder inside it; what is not ours in it is never touched.
 #pragma once
 
+#include "interruption.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -44,6 +46,7 @@ private:
     void moveIn();
     [[noreturn]] void fail(const char* action, const std::error_code& reason) const;
 
+    InterruptionHold mHold;            ///< writing is short: a signal waits until the folder is there or gone
     std::string mPath;
     std::filesystem::path mTarget;     ///< mPath with links followed
     bool mIsThere = false;             ///< the folder was there before

@@ -8,8 +8,6 @@ namespace esttform::app {
 
 namespace {
 
-constexpr std::size_t PARAM_METHOD = 2, PARAM_THRESHOLD_PROJECTIVE = 3, PARAM_THRESHOLD_AFFINE = 4;
-constexpr int PROJECTIVE = 3;
 /// Wild points are a few; more than this share outside an image belong to another image.
 constexpr double OUTSIDE_SHARE = 0.01;
 
@@ -25,8 +23,7 @@ PlotScene sceneOf(const StepLabel& label, const std::vector<Pair>& pairs, const 
     if (result.isFound())
         scene.map = mapOf(result, layout);
     scene.step = label;
-    if (setup.isRobust && static_cast<int>(setup.params[PARAM_METHOD]) == static_cast<int>(Method::Threshold))
-        scene.threshold = setup.params[setup.transformType == PROJECTIVE ? PARAM_THRESHOLD_PROJECTIVE : PARAM_THRESHOLD_AFFINE];
+    scene.threshold = setup.threshold();
     return scene;
 }
 

@@ -18,9 +18,6 @@ namespace esttform::app {
 
 namespace {
 
-/// With fewer matches than this many samples a result says little: pictures of different things have as many.
-constexpr int FEW_SAMPLES = 3;
-
 void refuseWrongOptions(const RegisterOptions& o, const BlockSetup& setup)
 {
     if (setup.pointsType != DataType::Double && setup.pointsType != DataType::Single)
@@ -60,15 +57,12 @@ void writeMatches(OutputFile& file, const std::vector<Pair>& pairs)
         file.write(fmt::format("{},{},{},{}\n", exactText(p[0]), exactText(p[1]), exactText(p[2]), exactText(p[3])));
 }
 
-void warn(Warnings& warnings, const std::string& name, const MatchFrame& frame, const StepResult& result, const BlockSetup& setup)
+void warn(Warnings& warnings, const std::string& name, const StepResult& result, const Diagnosis& diagnosis)
 {
     for (const Message& warning : result.warnings)
         warnings.print(name, fmt::format("{}: {}", warning.id, warning.text));
-    if (!result.isFound() && !result.error)
-        warnings.print(name, fmt::format("no {} transformation found: {}", setup.typeText(), reasonNotFound(frame, setup)));
-    if (result.isFound() && result.ptsNum < FEW_SAMPLES * setup.sampleSize())
-        warnings.print(name, fmt::format("only {}: any {} pairs fit a {} transformation, so this one may be chance",
-                                         countedMatches(frame.pairs.size()), setup.sampleSize(), setup.typeText()));
+    for (const DiagnosisNote& note : diagnosis.warnings)
+        warnings.print(name, fmt::format("{}{}: {}", result.isFound() ? "not to be trusted: " : "", note.title, note.text));
 }
 
 /// Writes what shows the second picture as the first one sees it.
@@ -147,9 +141,12 @@ ExitCode runRegister(const RegisterOptions& o)
     const Layout layout = estimator.layout();
     if (o.format == "text")
         output.write(counts + "\n");
-    ResultWriter(formatOf(o.format), {name, setup.typeText(), layout, false}, output).write({}, result);
+    const Diagnosis diagnosis = diagnose(frame.pairs, result, layout, setup,
+                                         result.isFound() || result.error ? "" : reasonNotFound(frame, setup));
+    ResultWriter(formatOf(o.format), {name, setup.typeText(), layout, false}, output).write({}, result,
+                                                                                            o.format == "text" ? &diagnosis : nullptr);
     Warnings warnings(o.isQuiet);
-    warn(warnings, name, frame, result, setup);
+    warn(warnings, name, result, diagnosis);
 
     if (files.matches)
         writeMatches(*files.matches, frame.pairs);
@@ -159,6 +156,7 @@ ExitCode runRegister(const RegisterOptions& o)
     report.scene.image1 = image1;
     report.scene.image2 = image2;
     report.result = shownResultOf(result, layout);
+    report.diagnosis = notesOf(diagnosis);
     report.warnings = warnings.kept();
     if (files.plot)
         files.plot->write(renderPlot(report.scene, "", setup.typeText(), plotFormat));

@@ -72,7 +72,7 @@ std::string finding(Severity severity, const std::string& title, const std::stri
 std::string findings(const Report& report)
 {
     std::string notes, warnings;
-    for (const ReportNote& note : report.diagnosis)
+    for (const DiagnosisNote& note : report.diagnosis)
         notes += finding(note.severity, note.title, note.text);
     if (!report.result.error.empty())
         warnings += finding(Severity::Error, "step refused", report.result.error);

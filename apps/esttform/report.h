@@ -3,6 +3,7 @@
 #pragma once
 
 #include "block_options.h"
+#include "diagnosis.h"
 #include "plot.h"
 #include "warnings.h"
 
@@ -11,14 +12,6 @@
 #include <vector>
 
 namespace esttform::app {
-
-enum class Severity { Good, Note, Warning, Error };
-
-/// One finding of a diagnosis.
-struct ReportNote {
-    Severity severity = Severity::Note;
-    std::string title, text;
-};
 
 /// The result of the step that is shown, with copies of what the next step would overwrite.
 struct ShownResult {
@@ -35,7 +28,7 @@ struct Report {
     PlotScene scene;
     ShownResult result;
     std::int64_t stepNum = 1, foundNum = 0;  ///< steps of the run, and those with a result
-    std::vector<ReportNote> diagnosis;       ///< empty: the page has no such section
+    std::vector<DiagnosisNote> diagnosis;       ///< empty: the page has no such section
     std::vector<Warnings::Entry> warnings;
 };
 

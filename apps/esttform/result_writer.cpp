@@ -62,7 +62,7 @@ Format formatOf(const std::string& name) noexcept
     return name == "json" ? Format::Json : name == "csv" ? Format::Csv : Format::Text;
 }
 
-std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames)
+std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames, const Diagnosis* diagnosis)
 {
     std::string line = fmt::format("{{\"step\":{}", label.step);
     if (hasFrames)
@@ -70,19 +70,20 @@ std::string toJsonLine(const StepLabel& label, const StepResult& result, bool ha
     line += fmt::format(",\"ptsNum\":{},\"tform\":{},{},\"warnings\":[", result.ptsNum, tformJson(result), inliersJson(result));
     for (const Message& warning : result.warnings)
         line += (&warning == result.warnings.data() ? "" : ",") + textJson(warning.id);
-    return line + "],\"error\":" + (result.error ? textJson(errorText(result)) : "null") + "}\n";
+    line += "],\"error\":" + (result.error ? textJson(errorText(result)) : "null");
+    return line + (diagnosis != nullptr ? ",\"diagnosis\":" + toJson(*diagnosis) : "") + "}\n";
 }
 
-std::string toCsvHeader(const StepResult& result, bool hasFrames)
+std::string toCsvHeader(const StepResult& result, bool hasFrames, bool isDiagnosed)
 {
     std::string header = hasFrames ? "step,frame,ptsNum,found,inlierNum" : "step,ptsNum,found,inlierNum";
     for (int row = 0; row < result.tformRows; ++row)
         for (int col = 0; col < result.tformCols; ++col)
             header += fmt::format(",t{}{}", row, col);
-    return header + ",warnings,error\n";
+    return header + (isDiagnosed ? ",warnings,error,diagnosis\n" : ",warnings,error\n");
 }
 
-std::string toCsvRow(const StepLabel& label, const StepResult& result, bool hasFrames)
+std::string toCsvRow(const StepLabel& label, const StepResult& result, bool hasFrames, const Diagnosis* diagnosis)
 {
     std::string line = std::to_string(label.step);
     if (hasFrames)
@@ -96,7 +97,8 @@ std::string toCsvRow(const StepLabel& label, const StepResult& result, bool hasF
     std::string warnings;
     for (const Message& warning : result.warnings)
         warnings += (warnings.empty() ? "" : " ") + warning.id;
-    return line + "," + csvField(warnings) + "," + (result.error ? csvField(errorText(result)) : "") + "\n";
+    line += "," + csvField(warnings) + "," + (result.error ? csvField(errorText(result)) : "");
+    return line + (diagnosis != nullptr ? "," + csvField(warningCodes(*diagnosis)) : "") + "\n";
 }
 
 ResultWriter::ResultWriter(Format format, RunLabel run, OutputFile& output)
@@ -104,21 +106,23 @@ ResultWriter::ResultWriter(Format format, RunLabel run, OutputFile& output)
 {
 }
 
-void ResultWriter::write(const StepLabel& label, const StepResult& result)
+void ResultWriter::write(const StepLabel& label, const StepResult& result, const Diagnosis* diagnosis)
 {
     const bool isFirst = std::exchange(mIsFirst, false);
     switch (mFormat) {
     case Format::Json:
-        mOutput.write(toJsonLine(label, result, mRun.hasFrames));
+        mOutput.write(toJsonLine(label, result, mRun.hasFrames, diagnosis));
         break;
     case Format::Csv:
         if (isFirst)
-            mOutput.write(toCsvHeader(result, mRun.hasFrames));
-        mOutput.write(toCsvRow(label, result, mRun.hasFrames));
+            mOutput.write(toCsvHeader(result, mRun.hasFrames, diagnosis != nullptr));
+        mOutput.write(toCsvRow(label, result, mRun.hasFrames, diagnosis));
         break;
     case Format::Text:
         if (!mRun.hasFrames) {
             mOutput.write(toText(result, mRun));
+            if (diagnosis != nullptr)
+                mOutput.write(toText(*diagnosis));
             break;
         }
         if (isFirst)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "block_options.h"
+#include "diagnosis.h"
 #include "output_file.h"
 
 #include <cstdint>
@@ -36,14 +37,14 @@ const char* equationOf(const StepResult& result, Layout layout) noexcept;
 /// One JSON object on one line, with line end. Keys: step, frame (with frames), ptsNum, tform (list of rows), inliers
 /// (0 or 1 a pair) and inlierNum (both null without inlier output), warnings (identifiers), error ("id: text" or null).
 /// Numbers have the fewest digits that read back; a value that is not finite is null. Single values are written as the
-/// doubles they are equal to.
-std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames);
+/// doubles they are equal to. With a diagnosis one more key, diagnosis.
+std::string toJsonLine(const StepLabel& label, const StepResult& result, bool hasFrames, const Diagnosis* diagnosis = nullptr);
 
 /// Header of the rows of toCsvRow for a TForm of this shape: step, [frame,] ptsNum, found, inlierNum, t00, t01, ... (row
-/// and column from 0), warnings (identifiers separated by spaces), error.
-std::string toCsvHeader(const StepResult& result, bool hasFrames);
+/// and column from 0), warnings (identifiers separated by spaces), error[, diagnosis (codes separated by spaces)].
+std::string toCsvHeader(const StepResult& result, bool hasFrames, bool isDiagnosed = false);
 /// One row, with line end. inlierNum is empty without inlier output.
-std::string toCsvRow(const StepLabel& label, const StepResult& result, bool hasFrames);
+std::string toCsvRow(const StepLabel& label, const StepResult& result, bool hasFrames, const Diagnosis* diagnosis = nullptr);
 
 /// Several lines about the only step of an input: counts, TForm and how to use it.
 std::string toText(const StepResult& result, const RunLabel& run);
@@ -59,7 +60,9 @@ public:
     ResultWriter(Format format, RunLabel run, OutputFile& output);
 
     /// Writes one step. Throws as OutputFile::write.
-    void write(const StepLabel& label, const StepResult& result);
+    ///
+    /// @param diagnosis  of the step; null unless the run is diagnosed. Of many steps the text shows none
+    void write(const StepLabel& label, const StepResult& result, const Diagnosis* diagnosis = nullptr);
 
 private:
     Format mFormat;

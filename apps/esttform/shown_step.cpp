@@ -4,10 +4,12 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace esttform::app {
 
 void ShownStep::offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout,
-                      const BlockSetup& setup)
+                      const BlockSetup& setup, std::vector<DiagnosisNote> diagnosis)
 {
     const bool isBetter = mWanted ? label.step == *mWanted : !mReport || (!mReport->scene.map && result.isFound());
     if (!isBetter)
@@ -15,6 +17,7 @@ void ShownStep::offer(const StepLabel& label, const MatchFrame& frame, const Ste
     mReport.emplace();
     mReport->scene = sceneOf(label, frame.pairs, result, layout, setup);
     mReport->result = shownResultOf(result, layout);
+    mReport->diagnosis = std::move(diagnosis);
 }
 
 Report& ShownStep::report(std::int64_t stepNum)

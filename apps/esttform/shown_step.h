@@ -15,7 +15,8 @@ public:
     explicit ShownStep(std::optional<std::int64_t> wanted) : mWanted(wanted) {}
 
     /// Takes the step's data over if it is the one, or a better one than before.
-    void offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout, const BlockSetup& setup);
+    void offer(const StepLabel& label, const MatchFrame& frame, const StepResult& result, Layout layout, const BlockSetup& setup,
+               std::vector<DiagnosisNote> diagnosis = {});
 
     /// Scene and result of the step; names, counts and notes are left to the caller.
     ///

@@ -41,6 +41,8 @@ ExitCode runTrace(const TraceOptions& o)
             const MatchFrame* const frame = source.next();
             if (frame == nullptr)
                 break;
+            if (source.maxPtsNum() > estimator.maxPtsNum())
+                growEstimator(estimator, setup, source.maxPtsNum(), traceLine);
             runStep(estimator, *frame);
         }
     } catch (const Error&) {

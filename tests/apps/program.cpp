@@ -9,12 +9,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 TempFolder::TempFolder()
 {
@@ -66,6 +68,14 @@ void redirect(const std::string& path, int flags, int stream)
 
 }  // namespace
 
+void waitUntil(const std::function<bool()>& condition)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!condition() && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_TRUE(condition());
+}
+
 ProgramRun runProgram(const std::vector<std::string>& arguments, const RunSetting& setting)
 {
     const TempFolder folder;
@@ -101,6 +111,8 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const RunSettin
         close(pipeEnds[0]);
         close(pipeEnds[1]);
     }
+    if (setting.meanwhile)
+        setting.meanwhile(child);
     int status = 0;
     waitpid(child, &status, 0);
     ProgramRun run;

@@ -1,7 +1,10 @@
 // Running the program as a user would, and a folder for its files that goes away with the test.
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -37,7 +40,11 @@ struct RunSetting {
     std::vector<std::string> environment;         ///< further NAME=VALUE
     std::string outputDevice;                     ///< standard output goes there instead of into ProgramRun::out
     bool isOutputClosed = false;                  ///< nobody reads standard output
+    std::function<void(pid_t)> meanwhile;         ///< called once while the program runs
 };
+
+/// Waits until a condition holds; fails the test if it does not in half a minute.
+void waitUntil(const std::function<bool()>& condition);
 
 /// Runs esttform with the arguments and waits for it.
 ProgramRun runProgram(const std::vector<std::string>& arguments, const RunSetting& setting = {});

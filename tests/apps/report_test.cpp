@@ -41,7 +41,7 @@ TEST(ReportTest, TellsResultSettingsAndFindings)
 {
     Report report = shiftReport();
     report.warnings = {{"pairs.csv", "5 < 6 & \"7\""}};
-    report.diagnosis = {{Severity::Good, "spread", "wide"}, {Severity::Error, "mirrored", "<script>"}};
+    report.diagnosis = {{Severity::Good, "spread", "wide", ""}, {Severity::Error, "mirrored", "<script>", ""}};
     const std::string page = renderReport(report, setup());
     for (const char* const text :
          {"<h1>3 of 4 pairs are inliers (75.0 %)</h1>", "<td>1</td><td>0</td><td>10</td>", "(x2, y2)' = TForm",
