@@ -40,7 +40,7 @@ struct RunSetting {
     std::vector<std::string> environment;         ///< further NAME=VALUE
     std::string outputDevice;                     ///< standard output goes there instead of into ProgramRun::out
     bool isOutputClosed = false;                  ///< nobody reads standard output
-    std::function<void(pid_t)> meanwhile;         ///< called once while the program runs
+    std::function<void(pid_t)> meanwhile = {};    ///< called once while the program runs
 };
 
 /// Waits until a condition holds; fails the test if it does not in half a minute.
