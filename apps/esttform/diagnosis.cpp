@@ -23,8 +23,9 @@ constexpr double FAR_THRESHOLDS = 2.0;
 constexpr double FAR_SHARE_MAX = 0.1;
 /// Narrow extent of the inliers beside that of all points below which they lie on one place or line.
 constexpr double SPREAD_MIN = 0.05;
-/// Lengths may change by this factor, and by this factor more in one direction than in the other.
-constexpr double SCALE_MAX = 20.0;
+/// Lengths may change by the first factor, and by the second one more in one direction than in the other.
+constexpr double SCALE_MAX = 100.0;
+constexpr double RATIO_MAX = 50.0;
 
 using Points = std::vector<std::array<double, 2>>;
 
@@ -189,7 +190,7 @@ void examineShape(const Case& c, Diagnosis& diagnosis)
     }
     const Jacobian jacobian = jacobianAt(c.map, middleOf(points));
     const double scale = std::sqrt(std::fabs(jacobian.det()));
-    if (!(scale < SCALE_MAX && scale > 1.0 / SCALE_MAX) || !(jacobian.ratio() < SCALE_MAX))
+    if (!(scale < SCALE_MAX && scale > 1.0 / SCALE_MAX) || !(jacobian.ratio() < RATIO_MAX))
         warn(diagnosis, "collapsed", "collapsed map",
              fmt::format("in the middle of the points lengths change by a factor of {:.3g}, in one direction {:.3g} times as much as "
                          "in the other", scale, jacobian.ratio()));

@@ -24,6 +24,8 @@ void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
     if (!o.inliersPath.empty() && !setup.hasInlierOutput)
         throw Failure("--inliers: the block has no inlier output with these settings; leave out --no-robust and "
                       "--no-inlier-output");
+    if (o.isDiagnosed && o.isNotDiagnosed)
+        throw Failure("--diagnose and --no-diagnose: both given, expected one");
     if (o.plotStep && o.plotPath.empty() && o.reportPath.empty())
         throw Failure("--plot-step: no effect without --plot or --report");
     if ((!o.image1Path.empty() || !o.image2Path.empty()) && o.plotPath.empty() && o.reportPath.empty())
@@ -86,10 +88,10 @@ void addEstimateOptions(CLI::App& command, EstimateOptions& o)
     command.add_option("--image1", o.image1Path, "PNG image that the first points lie on, in pixels, for --plot and --report")
         ->type_name("FILE")->group(OUTPUT);
     command.add_option("--image2", o.image2Path, "the same for the second points")->type_name("FILE")->group(OUTPUT);
-    command.add_flag("--diagnose,!--no-diagnose", o.isDiagnosed,
-                     "say whether the result is to be trusted, and why not; json and csv get a key or column more (default: "
-                     "with text)")
-        ->group(OUTPUT);
+    command.add_flag("--diagnose", o.isDiagnosed,
+                     "say whether the result is to be trusted, and why not; json and csv get one more key or column (default "
+                     "with text)")->group(OUTPUT);
+    command.add_flag("--no-diagnose", o.isNotDiagnosed, "do not")->group(OUTPUT);
     command.add_flag("-q,--quiet", o.isQuiet, "no warnings on standard error; json and csv still name them")->group(OUTPUT);
 }
 
@@ -120,7 +122,8 @@ ExitCode runEstimate(const EstimateOptions& o)
         reportFile = std::make_unique<OutputFile>(o.reportPath);
 
     Warnings warnings(o.isQuiet);
-    const bool isDiagnosed = o.isDiagnosed.value_or(formatOf(o.format) == Format::Text || reportFile);
+    const bool isDiagnosisWritten = o.isDiagnosed || formatOf(o.format) == Format::Text;
+    const bool isDiagnosed = !o.isNotDiagnosed && (isDiagnosisWritten || reportFile);
     ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
     ShownStep shownStep(o.plotStep);
     const bool isOnTerminal = o.outputPath == "-" && ::isatty(STDOUT_FILENO) == 1;   // the results show how far it is
@@ -137,7 +140,7 @@ ExitCode runEstimate(const EstimateOptions& o)
             diagnosis = diagnose(frame->pairs, result, layout, setup,
                                  result.isFound() || result.error ? "" : reasonNotFound(*frame, setup));
         const InterruptionHold hold;                     // a step is written to all its outputs or to none
-        writer.write(label, result, diagnosis ? &*diagnosis : nullptr);
+        writer.write(label, result, diagnosis && isDiagnosisWritten ? &*diagnosis : nullptr);
         if (source.isStreamed())
             output.flush();
         if (inlierWriter)

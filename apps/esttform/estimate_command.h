@@ -22,7 +22,8 @@ struct EstimateOptions {
     std::string reportPath;                 ///< empty: none
     std::optional<std::int64_t> plotStep;   ///< empty: the first step with a result
     std::string image1Path, image2Path;     ///< empty: none
-    std::optional<bool> isDiagnosed;        ///< empty: with text only
+    bool isDiagnosed = false;               ///< asked for; without either, text and reports are diagnosed
+    bool isNotDiagnosed = false;
     bool isQuiet = false;
 };
 
