@@ -1,5 +1,5 @@
 // SignalBuffer: memory of a signal, a work vector or a run-time parameter, contiguous and 64-byte aligned.
-// With guard zones (Debug builds, the build option ESTTFORM_GUARD_ZONES, or useGuardZones) writing past either end is found out.
+// With guard zones (Debug builds, or the build option ESTTFORM_GUARD_ZONES) writing past either end is found out.
 #pragma once
 
 #include "estimator.h"
@@ -10,10 +10,8 @@
 
 namespace blockhost {
 
-/// True when new buffers get guard zones.
+/// True when buffers are built with guard zones.
 ESTTFORM_API bool hasGuardZones() noexcept;
-/// Gives guard zones to every buffer of this process from now on.
-ESTTFORM_API void useGuardZones() noexcept;
 
 /// A zeroed buffer at a fixed address. Move-only; the address survives a move.
 class SignalBuffer {
@@ -37,7 +35,6 @@ private:
         void operator()(std::byte* memory) const noexcept;
     };
     std::unique_ptr<std::byte, Release> mMemory;
-    std::size_t mGuardByteNum = 0;                       ///< of each guard zone
     std::byte* mData = nullptr;
     std::size_t mByteNum = 0;
 };

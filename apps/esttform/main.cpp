@@ -1,7 +1,6 @@
 // The program esttform: subcommands, messages and exit codes.
 
 #include "batch_command.h"
-#include "check_command.h"
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
@@ -68,9 +67,6 @@ ExitCode run(int argc, char** argv)
     TraceOptions traceOptions;
     CLI::App& trace = *app.add_subcommand("trace", "show the calls between host and block");
     addTraceOptions(trace, traceOptions);
-    CheckOptions checkOptions;
-    CLI::App& check = *app.add_subcommand("check", "examine a block as a strict host would");
-    addCheckOptions(check, checkOptions);
     CodegenOptions codegenOptions;
     CLI::App& codegen = *app.add_subcommand("codegen", "generate C code that estimates as the block does");
     addCodegenOptions(codegen, codegenOptions);
@@ -89,8 +85,6 @@ ExitCode run(int argc, char** argv)
     }
     if (params.parsed())
         return printOut(paramsText());
-    if (check.parsed())
-        return runCheck(checkOptions);
     if (batch.parsed())
         return runBatch(batchOptions);
     if (codegen.parsed())
