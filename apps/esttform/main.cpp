@@ -1,5 +1,6 @@
 // The program esttform: subcommands, messages and exit codes.
 
+#include "check_command.h"
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
@@ -63,6 +64,9 @@ ExitCode run(int argc, char** argv)
     CodegenOptions codegenOptions;
     CLI::App& codegen = *app.add_subcommand("codegen", "generate C code that estimates as the block does");
     addCodegenOptions(codegen, codegenOptions);
+    CheckOptions checkOptions;
+    CLI::App& check = *app.add_subcommand("check", "examine a block as a strict host would");
+    addCheckOptions(check, checkOptions);
 
     try {
         app.parse(argc, argv);
@@ -77,6 +81,8 @@ ExitCode run(int argc, char** argv)
         return printOut(paramsText());
     if (codegen.parsed())
         return runCodegen(codegenOptions);
+    if (check.parsed())
+        return runCheck(checkOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 
