@@ -18,6 +18,12 @@ namespace {
 /// What outputs hold before a step: a NaN in TForm, and neither 0 nor 1 in the mask.
 constexpr int UNWRITTEN = 0xFF;
 
+/// One least-squares fit to all pairs is spoilt by a coordinate that is not finite, or whose powers are not.
+constexpr double ORDINARY_MAX = 1e9;
+
+/// Points nearer to the origin are there for a computation in single precision.
+constexpr double ORIGIN_RADIUS = 1e-40;
+
 std::vector<std::uint8_t> bytesOf(const void* data, std::size_t num)
 {
     const auto* const first = static_cast<const std::uint8_t*>(data);
@@ -122,17 +128,23 @@ std::string stopOf(blockhost::Block& block)
     return reason;
 }
 
-void expectPromise(const StepRecord& record, const Case& c)
+void expectPromise(const StepRecord& record, const Case& c, const std::vector<app::Pair>& pairs)
 {
     if (!record.error.empty())
         throw Finding(fmt::format("{}: the step was refused: {}", c.text(), record.error));
-    if (!std::all_of(record.tform.begin(), record.tform.end(), [](double value) { return std::isfinite(value); }))
+    const bool isPromised = c.isRobust() || std::all_of(pairs.begin(), pairs.end(), [](const app::Pair& pair) {
+        return std::all_of(pair.begin(), pair.end(), [](double value) { return std::fabs(value) <= ORDINARY_MAX; });
+    });
+    if (isPromised && !std::all_of(record.tform.begin(), record.tform.end(), [](double value) { return std::isfinite(value); }))
         throw Finding(fmt::format("{}: TForm is {}, expected all finite or all zero", c.text(), fmt::join(record.tform, ", ")));
     const auto inlierNum = std::count(record.mask.begin(), record.mask.end(), std::uint8_t{1});
     const auto zeroNum = std::count(record.mask.begin(), record.mask.end(), std::uint8_t{0});
     if (static_cast<std::size_t>(inlierNum + zeroNum) != record.mask.size())
         throw Finding(fmt::format("{}: the mask holds other values than 0 and 1", c.text()));
-    if (record.isZero() && inlierNum > 0)
+    bool isOnOrigin = c.transformType() != 3;
+    for (std::size_t i = 0; i < record.mask.size(); ++i)
+        isOnOrigin = isOnOrigin && (record.mask[i] == 0 || std::hypot(pairs[i][2], pairs[i][3]) < ORIGIN_RADIUS);
+    if (record.isZero() && inlierNum > 0 && !isOnOrigin)
         throw Finding(fmt::format("{}: TForm is zero, and the mask has {} inliers", c.text(), inlierNum));
     if (!record.isZero() && c.hasMask() && inlierNum < c.sampleSize())
         throw Finding(fmt::format("{}: TForm is not zero, and the mask has {} inliers, expected {} or more", c.text(), inlierNum,

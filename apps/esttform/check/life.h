@@ -49,8 +49,9 @@ std::string stopOf(blockhost::Block& block);
 /// Ends a block at any point of its life.
 void endOf(blockhost::Block& block);
 
-/// TForm is all finite or all zero, the mask holds 0 and 1 and no inlier without a transformation.
-void expectPromise(const StepRecord& record, const Case& c);
+/// TForm is all finite or all zero (without robust estimation only of ordinary points), the mask holds 0 and 1, and no
+/// inlier without a transformation. A similarity or an affine map of all inliers onto the origin is all zero, too.
+void expectPromise(const StepRecord& record, const Case& c, const std::vector<app::Pair>& pairs);
 
 /// Two steps that must be equal to the bit.
 void expectSame(const StepRecord& record, const StepRecord& expected, const std::string& what);

@@ -49,7 +49,7 @@ std::string checkInputPages(const CheckInput& input)
                     app::packPoints(pairs, port, c.pointsType, c.layout(), arrays[port].data());
                     arrays[port].setWritable(false);
                 }
-                expectPromise(life.step(pairs, static_cast<unsigned>(i)), c);
+                expectPromise(life.step(pairs, static_cast<unsigned>(i)), c, pairs);
             }
             life.end();
         }

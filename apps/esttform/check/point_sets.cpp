@@ -11,10 +11,18 @@ using app::Pair;
 namespace {
 
 constexpr double SIDE = 120.0;
+/// A wrong match is wrong by this much.
+constexpr double WRONG_MIN = 20.0;
 
 Pair anyPair(Random& random)
 {
     return {random.between(0, SIDE), random.between(0, SIDE), random.between(0, SIDE), random.between(0, SIDE)};
+}
+
+/// The first point matched to any other.
+Pair rematched(const Pair& pair, Random& random)
+{
+    return {pair[0], pair[1], random.between(0, SIDE), random.between(0, SIDE)};
 }
 
 template <typename Int>
@@ -62,10 +70,12 @@ std::vector<Pair> matchedPairs(const Matrix& m, int pairNum, int wrongEach, Rand
     for (int i = 0; i < pairNum; ++i) {
         Pair p = anyPair(random);
         const double w = m[6] * p[0] + m[7] * p[1] + m[8];
-        if (wrongEach == 0 || i % wrongEach != wrongEach - 1) {
-            p[2] = (m[0] * p[0] + m[1] * p[1] + m[2]) / w;
-            p[3] = (m[3] * p[0] + m[4] * p[1] + m[5]) / w;
-        }
+        const double x = (m[0] * p[0] + m[1] * p[1] + m[2]) / w, y = (m[3] * p[0] + m[4] * p[1] + m[5]) / w;
+        if (wrongEach == 0 || i % wrongEach != wrongEach - 1)
+            p = {p[0], p[1], x, y};
+        else
+            while (std::hypot(p[2] - x, p[3] - y) < WRONG_MIN)
+                p = rematched(p, random);
         pairs.push_back(p);
     }
     return pairs;

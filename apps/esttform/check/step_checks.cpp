@@ -61,7 +61,7 @@ std::string checkTruth(const CheckInput& input)
         Life life(input.path, c);
         const StepRecord record = life.step(pairs, static_cast<unsigned>(i));
         life.end();
-        expectPromise(record, c);
+        expectPromise(record, c, pairs);
         const double distance = distanceFrom(matrix, record, c), admitted = isDouble ? 1e-6 : 0.05;
         if (!(distance <= admitted))
             throw Finding(fmt::format("{}: a corner lies {:.3g} from its true place, expected {:.3g} or less", what, distance, admitted));
@@ -84,7 +84,7 @@ std::string checkSteps(const CheckInput& input)
             fitInto(c.pointsType, pairs);
             const auto seed = static_cast<unsigned>(random.below(1000));
             const StepRecord record = life.step(pairs, seed);
-            expectPromise(record, c);
+            expectPromise(record, c, pairs);
             expectSame(again.step(pairs, seed), record, what + "; the same steps in another instance");
             zeroNum += record.isZero() ? 1 : 0;
         }
