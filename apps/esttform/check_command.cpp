@@ -1,5 +1,6 @@
 #include "check_command.h"
 
+#include "check/case.h"
 #include "check/checks.h"
 #include "check/isolated.h"
 #include "check/report.h"
@@ -52,6 +53,9 @@ check::Outcome run(const Check& c, check::CheckInput input, double timeout)
         [&](const check::Note& note) {
             blockhost::setGuardZones(GUARD_BYTE_NUM);
             input.note = note;
+            note("loading");
+            // Keeps the library loaded from one instance to the next, as in a host with many: what it keeps in between shows.
+            const blockhost::Block loaded(check::openSetup(input.path, {}));
             return c.run(input);
         },
         timeout);

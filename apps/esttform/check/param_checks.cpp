@@ -42,7 +42,8 @@ void expectAnswer(const CheckInput& input, const Params& params, const std::stri
     std::string stop;
     try {
         block.open();
-        block.step();
+        if (refusedNum == 0)
+            block.step();
     } catch (const Error& e) {
         if (e.kind() != ErrorKind::Usage)
             throw;

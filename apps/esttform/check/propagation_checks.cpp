@@ -96,15 +96,20 @@ std::vector<Case> someCases()
             makeCase(3, Layout::Rows, Scheme::Confidence, DataType::Double, 9, true)};
 }
 
+blockhost::BlockSetup setupIn(const Scenario& scenario, const std::string& path, const Case& c)
+{
+    blockhost::BlockSetup setup = setupOf(path, c);
+    scenario.change(setup, c);
+    return setup;
+}
+
 /// Compares the end of a set-up in an order with that in the host's own order.
-void expectSameEnd(const CheckInput& input, const Case& c, const Scenario& scenario, const std::vector<Offer>& order)
+void expectEnd(const std::string& expected, const CheckInput& input, const Case& c, const Scenario& scenario,
+               const std::vector<Offer>& order)
 {
     const std::string what = fmt::format("{} ({})", scenario.name, c.text());
     input.note(what + "; order " + orderText(order));
-    blockhost::BlockSetup setup = setupOf(input.path, c);
-    scenario.change(setup, c);
-    const std::string expected = endOfSetUp(setup, {});
-    const std::string found = endOfSetUp(setup, order);
+    const std::string found = endOfSetUp(setupIn(scenario, input.path, c), order);
     if (found != expected)
         throw Finding(fmt::format("{}: {} in the order {}, but {} in the usual order", what, found, orderText(order), expected));
 }
@@ -121,9 +126,10 @@ std::string checkPropagation(const CheckInput& input)
             for (const Attribute attribute : {Attribute::Size, Attribute::DataType, Attribute::Mode})
                 for (const int port : {0, 1})
                     order.push_back({Direction::In, port, attribute});
+            const std::string expected = endOfSetUp(setupIn(scenario, input.path, c), {});
             const auto rank = [](const Offer& offer) { return 2 * static_cast<int>(offer.attribute) + offer.port; };
             do {
-                expectSameEnd(input, c, scenario, order);
+                expectEnd(expected, input, c, scenario, order);
                 ++num;
             } while (std::next_permutation(order.begin(), order.end(),
                                            [&](const Offer& a, const Offer& b) { return rank(a) < rank(b); }));
@@ -147,7 +153,7 @@ std::string checkRandomPropagation(const CheckInput& input)
             Case c = randomCase(random);
             while (!c.hasMask() || c.ptsNum <= c.sampleSize())
                 c = randomCase(random);
-            expectSameEnd(input, c, scenario, order);
+            expectEnd(endOfSetUp(setupIn(scenario, input.path, c), {}), input, c, scenario, order);
         }
     return fmt::format("{} orders: one end each", num);
 }
