@@ -8,6 +8,7 @@
 #include "option_checks.h"
 #include "output_file.h"
 
+#include "blockhost/block_path.h"
 #include "blockhost/signal_buffer.h"
 
 #include <fmt/format.h>
@@ -65,7 +66,7 @@ check::Outcome run(const Check& c, check::CheckInput input, double timeout)
 
 void addCheckOptions(CLI::App& command, CheckOptions& o)
 {
-    command.add_option("PATH", o.path, "library of the block, for example szelesttform.so")->type_name("FILE");
+    command.add_option("PATH", o.path, "library of the block (default: $ESTTFORM_BLOCK, else the block of this program)")->type_name("FILE");
     const char* const CHECKS = "Checks";
     command.add_flag("--list", o.isList, "list the checks instead of running them")->group(CHECKS);
     command.add_option("--only", o.only, "checks that are run, separated by commas (default: all)")
@@ -84,11 +85,10 @@ ExitCode runCheck(const CheckOptions& o)
         print(check::listText());
         return ExitCode::Done;
     }
-    if (o.path.empty())
-        throw Failure("check: no block was given, expected the path of its library; see esttform check --help");
     const std::vector<const Check*> chosen = chosenChecks(o.only);
-    check::RunResult result{o.path, o.seed ? *o.seed : static_cast<std::uint32_t>(std::random_device{}()), {}};
-    const check::CheckInput input{o.path, result.seed, {}};
+    const std::string path = blockhost::findBlock(o.path);
+    check::RunResult result{path, o.seed ? *o.seed : static_cast<std::uint32_t>(std::random_device{}()), {}};
+    const check::CheckInput input{path, result.seed, {}};
     const Check& load = check::allChecks().front();      // what cannot be loaded is not examined
     const check::Outcome loaded = run(load, input, o.timeout);
     if (loaded.isNotLoadable)

@@ -15,7 +15,7 @@ class App;
 namespace esttform::app {
 
 struct CheckOptions {
-    std::string path;
+    std::string path;                     ///< empty: the block that the other commands use
     std::vector<std::string> only;        ///< names of checks; empty for all
     std::optional<std::uint32_t> seed;
     double timeout = 10.0;                ///< seconds that each check may take

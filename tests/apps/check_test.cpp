@@ -92,8 +92,8 @@ TEST(CheckTest, GoesOnAfterACrash)
     EXPECT_EQ(run.code, 1);
     EXPECT_NE(run.out.find("order        "), std::string::npos) << run.out;
     EXPECT_NE(run.out.find(": 3 checks, 2 ok, 1 not\n"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find(std::string("again: esttform check ") + BROKEN_BLOCK + " --only input-pages --seed 3\n"), std::string::npos)
-        << run.out;
+    const std::string again = std::string("again: esttform check ") + BROKEN_BLOCK + " --only input-pages --seed 3\n";
+    EXPECT_NE(run.out.find(again), std::string::npos) << run.out;
 }
 
 TEST(CheckTest, SeedsRepeatAFinding)
@@ -116,7 +116,6 @@ TEST(CheckTest, RefusesWrongUsage)
         int code;
         const char* message;
     } const cases[] = {
-        {{}, 2, "no block was given"},
         {{BLOCK, "--only", "nothing"}, 2, "--only: got \"nothing\""},
         {{BLOCK, "--timeout", "0"}, 2, "--timeout"},
         {{BLOCK, "--seed", "-1"}, 2, "--seed"},
@@ -125,9 +124,9 @@ TEST(CheckTest, RefusesWrongUsage)
     for (const auto& c : cases) {
         const ProgramRun run = check(c.words);
         EXPECT_EQ(run.code, c.code) << c.message;
+        EXPECT_EQ(run.out, "") << c.message;
         EXPECT_NE(run.err.find(c.message), std::string::npos) << run.err;
     }
-    EXPECT_EQ(check({"--list"}).code, 0);
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// First letter of a line from the child.
-enum Mark : char { AT = '@', OK = 'O', FAILED = 'F', NOT_LOADABLE = 'L' };
+enum Mark : char { AT = '@', OK = 'O', FOUND = 'F', STOPPED = 'S', NOT_LOADABLE = 'L' };
 
 // ---- In the child
 
@@ -50,12 +50,14 @@ void report(int pipe, const std::function<std::string(const Note&)>& work)
 {
     try {
         send(pipe, OK, work([pipe](const std::string& text) { send(pipe, AT, text); }));
+    } catch (const Finding& e) {
+        send(pipe, FOUND, e.what());
     } catch (const Error& e) {
-        send(pipe, e.kind() == ErrorKind::Load ? NOT_LOADABLE : FAILED, e.what());
+        send(pipe, e.kind() == ErrorKind::Load ? NOT_LOADABLE : STOPPED, e.what());
     } catch (const std::exception& e) {
-        send(pipe, FAILED, e.what());
+        send(pipe, STOPPED, e.what());
     } catch (...) {
-        send(pipe, FAILED, "an exception of unknown type came out of the block");
+        send(pipe, STOPPED, "an exception of unknown type came out of the block");
     }
 }
 
@@ -213,7 +215,7 @@ Outcome runIsolated(const std::function<std::string(const Note&)>& work, double 
     const std::string text = said.last.substr(1);
     if (said.last[0] == OK)
         return {Verdict::Ok, text, false};
-    return {Verdict::Failed, text, said.last[0] == NOT_LOADABLE};
+    return {Verdict::Failed, said.last[0] == STOPPED ? text + at : text, said.last[0] == NOT_LOADABLE};
 }
 
 }  // namespace esttform::check

@@ -14,7 +14,7 @@ const char* verdictText(Verdict verdict) noexcept;
 
 struct Outcome {
     Verdict verdict = Verdict::Ok;
-    std::string found;            ///< one line; of work that crashed or hung also what it was at
+    std::string found;            ///< one line; unless the work said it itself also what it was at
     bool isNotLoadable = false;   ///< failed: the library cannot be loaded, for the reason found
 };
 

@@ -58,17 +58,17 @@ Life::Life(const Case& c, blockhost::BlockSetup setup) : mCase(c), mBlock(std::m
     mBlock.open();
 }
 
-StepRecord Life::step(const std::vector<app::Pair>& pairs, unsigned seed)
+StepRecord Life::step(const std::vector<app::Pair>& pairs, unsigned seed, int missingNum)
 {
-    const std::size_t byteNum = 2 * pairs.size() * sizeOf(mCase.pointsType);
     std::vector<std::uint8_t> inputs[2];
     for (int port = 0; port < 2; ++port) {
+        const std::vector<app::Pair> points(pairs.begin(), pairs.end() - port * missingNum);
         if (mCase.isVariable)
-            mBlock.setInputSize(port, mCase.sizeOf(static_cast<int>(pairs.size())));
+            mBlock.setInputSize(port, mCase.sizeOf(static_cast<int>(points.size())));
         if (mBlock.inputData(port) == nullptr)
             continue;
-        app::packPoints(pairs, port, mCase.pointsType, mCase.layout(), mBlock.inputData(port));
-        inputs[port] = bytesOf(mBlock.inputData(port), byteNum);
+        app::packPoints(points, port, mCase.pointsType, mCase.layout(), mBlock.inputData(port));
+        inputs[port] = bytesOf(mBlock.inputData(port), 2 * points.size() * sizeOf(mCase.pointsType));
     }
     for (const blockhost::Port& port : mBlock.instance().outputs)
         std::memset(port.buffer.data(), UNWRITTEN, port.buffer.byteNum());
@@ -76,7 +76,7 @@ StepRecord Life::step(const std::vector<app::Pair>& pairs, unsigned seed)
     mBlock.step();
 
     for (int port = 0; port < 2; ++port)
-        if (!inputs[port].empty() && bytesOf(mBlock.inputData(port), byteNum) != inputs[port])
+        if (!inputs[port].empty() && bytesOf(mBlock.inputData(port), inputs[port].size()) != inputs[port])
             throw Finding(fmt::format("{}: mdlOutputs changed input {}", mCase.text(), port));
     StepRecord record;
     const auto& outputs = mBlock.instance().outputs;

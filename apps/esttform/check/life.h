@@ -30,8 +30,10 @@ public:
 
     /// One step on the pairs, after seeding the C library's generator. The inputs must stay as they are, outputs of
     /// a refused step too, and of the mask what lies beyond the pairs.
-    StepRecord step(const std::vector<app::Pair>& pairs, unsigned seed);
-    /// Ends it; the block must forget its user data.
+    ///
+    /// @param missingNum  points that are left out at the end of the second input
+    StepRecord step(const std::vector<app::Pair>& pairs, unsigned seed, int missingNum = 0);
+    /// Ends it: the block must forget its user data.
     void end();
     blockhost::Block& block() { return mBlock; }
 

@@ -19,7 +19,8 @@ std::string checkGuardZones(const CheckInput& input)
         Life life(input.path, c);
         for (int pairNum = c.isVariable ? c.sampleSize() : c.ptsNum; pairNum <= c.ptsNum; ++pairNum)
             for (const bool isOdd : {false, true}) {
-                auto pairs = isOdd ? oddPairs(pairNum, random) : matchedPairs(randomMatrix(c.transformType(), random), pairNum, 3, random);
+                auto pairs = isOdd ? oddPairs(pairNum, random)
+                                   : matchedPairs(randomMatrix(c.transformType(), random), pairNum, 3, random);
                 fitInto(c.pointsType, pairs);
                 life.step(pairs, static_cast<unsigned>(num++));
             }

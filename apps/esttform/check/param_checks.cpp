@@ -66,7 +66,8 @@ std::vector<Params> basicSettings()
     std::vector<Params> all;
     for (int type = 1; type <= 3; ++type)
         for (int scheme = 0; scheme < SCHEME_NUM; ++scheme)
-            all.push_back(makeCase(type, static_cast<Layout>(type % 2), static_cast<Scheme>(scheme), DataType::Double, 9, false).params);
+            all.push_back(
+                makeCase(type, static_cast<Layout>(type % 2), static_cast<Scheme>(scheme), DataType::Double, 9, false).params);
     return all;
 }
 

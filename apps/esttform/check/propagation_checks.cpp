@@ -49,10 +49,12 @@ const Scenario SCENARIOS[] = {
          s.outputs[0].typeId = sysobj::DT_SINGLE;
      }},
     {"numbers of points differ", [](blockhost::BlockSetup& s, const Case& c) { s.inputs[1].dims = c.sizeOf(c.ptsNum - 1); }},
-    {"too few points", [](blockhost::BlockSetup& s, const Case&) { s.inputs[0].dims = s.inputs[1].dims = blockhost::Dims{1, 1}; }},
+    {"one number", [](blockhost::BlockSetup& s, const Case&) { s.inputs[0].dims = s.inputs[1].dims = blockhost::Dims{1, 1}; }},
+    {"too few points", [](blockhost::BlockSetup& s, const Case& c) { s.inputs[0].dims = s.inputs[1].dims = c.sizeOf(1); }},
     {"types differ", [](blockhost::BlockSetup& s, const Case&) { s.inputs[1].typeId = (*s.inputs[0].typeId + 1) % 8; }},
     {"modes differ", [](blockhost::BlockSetup& s, const Case&) { s.inputs[1].mode = 1 - *s.inputs[0].mode; }},
-    {"boolean points", [](blockhost::BlockSetup& s, const Case&) { s.inputs[0].typeId = s.inputs[1].typeId = sysobj::DT_BOOLEAN; }},
+    {"boolean points",
+     [](blockhost::BlockSetup& s, const Case&) { s.inputs[0].typeId = s.inputs[1].typeId = sysobj::DT_BOOLEAN; }},
 };
 
 std::string portsText(const std::vector<blockhost::Port>& ports)

@@ -22,7 +22,8 @@ bool mayRefuse(const std::string& function)
                                    "bhSetInputPortDimensionInfo", "bhSetOutputPortDimensionInfo",
                                    "bhSetInputPortMatrixDimensions", "bhSetOutputPortMatrixDimensions", "bhSetInputPortDataType",
                                    "bhSetOutputPortDataType", "bhSetInputPortDimensionsMode", "bhSetOutputPortDimensionsMode",
-                                   "bhSetInputPortFrameData", "bhSetOutputPortFrameData", "bhSetNumRunTimeParams", "bhSetNumDWork"})
+                                   "bhSetInputPortFrameData", "bhSetOutputPortFrameData", "bhSetNumRunTimeParams",
+                                   "bhSetNumDWork"})
         if (function == name)
             return true;
     return false;
@@ -65,7 +66,8 @@ void expectStop(const CallLog& log, const std::string& what)
     const std::string message = expectedMessage(functionOf(lines[i]), callback);
     for (std::size_t k = i + 1; k < lines.size() && isHostCall(lines[k]); ++k)
         if (functionOf(lines[k]) != "dspError")
-            throw Finding(fmt::format("{}: {} went on to call {}, expected an end at once", what, callback, functionOf(lines[k])));
+            throw Finding(fmt::format("{}: {} went on to call {}, expected an end at once", what, callback,
+                                      functionOf(lines[k])));
     const std::vector<std::string> messages = log.messages();
     if (fmt::format("{}", fmt::join(messages, ", ")) != message)
         throw Finding(fmt::format("{}: got the message \"{}\", expected {}", what, fmt::join(messages, ", "),
@@ -78,7 +80,8 @@ std::vector<blockhost::BlockSetup> setupsOf(const std::string& path)
     std::vector<blockhost::BlockSetup> setups;
     for (const Scheme scheme : {Scheme::AllPairs, Scheme::Confidence, Scheme::Median})
         for (const bool isVariable : {false, true})
-            setups.push_back(setupOf(path, makeCase(3, isVariable ? Layout::Rows : Layout::Columns, scheme, DataType::Int8, 9, isVariable)));
+            setups.push_back(
+                setupOf(path, makeCase(3, static_cast<Layout>(isVariable), scheme, DataType::Int8, 9, isVariable)));
     const Params params = makeCase(1, Layout::Rows, Scheme::FixedNumber, DataType::Double, 9, false).params;
     setups.push_back(openSetup(path, params));           // all by the block's defaults
     setups.push_back(openSetup(path, params));           // sized by the mask, typed by TForm
@@ -109,7 +112,7 @@ std::string checkRefusals(const CheckInput& input)
                     expectStop(log, what);
                 };
                 refuse();
-                if (n == 1)
+                if (n == 1 || n == callNum)
                     expectNoLoss(refuse);
                 callNums(setup);                         // the next instance is as if nothing had happened
             }
@@ -130,18 +133,13 @@ std::string checkRefusedSteps(const CheckInput& input)
         const StepRecord before = life.step(pairs, 1);
         const auto expectError = [&](const StepRecord& record, const char* error, int pairNum) {
             if (record.error != error)
-                throw Finding(fmt::format("{}: a step of {} pairs gave \"{}\", expected {}", c.text(), pairNum, record.error, error));
+                throw Finding(fmt::format("{}: a step of {} pairs gave \"{}\", expected {}", c.text(), pairNum, record.error,
+                                          error));
             ++num;
         };
         for (int pairNum = 0; pairNum < c.sampleSize(); ++pairNum)
             expectError(life.step({pairs.begin(), pairs.begin() + pairNum}, 1), "pts1OrPts2TooSmall", pairNum);
-        for (const int port : {0, 1})
-            life.block().setInputSize(port, c.sizeOf(c.ptsNum - port));
-        life.block().clearOutputs();
-        life.block().step();
-        StepRecord differing;
-        differing.error = life.block().stepError() ? life.block().stepError()->id : "";
-        expectError(differing, "pts1AndPts2SizesDiffer", c.ptsNum);
+        expectError(life.step(pairs, 1, 1), "pts1AndPts2SizesDiffer", c.ptsNum);
         expectSame(life.step(pairs, 1), before, c.text() + "; a step after refused ones");
         life.end();
     }

@@ -35,8 +35,8 @@ std::string toTable(const RunResult& run)
     for (const auto& [check, outcome] : run.results)
         text += fmt::format("{:{}}  {:9}  {}{}\n", check->name, nameWidth(), verdictText(outcome.verdict),
                             check->isRandom ? fmt::format("seed {}: ", run.seed) : "", outcome.found);
-    text += fmt::format("\n{}: {}, {} ok, {} not\n", run.path, app::counted(static_cast<std::int64_t>(run.results.size()), "check"),
-                        static_cast<int>(run.results.size()) - run.failedNum(), run.failedNum());
+    const int num = static_cast<int>(run.results.size());
+    text += fmt::format("\n{}: {}, {} ok, {} not\n", run.path, app::counted(num, "check"), num - run.failedNum(), run.failedNum());
     for (const auto& [check, outcome] : run.results)
         if (outcome.verdict != Verdict::Ok)
             text += fmt::format("again: esttform check {} --only {}{}\n", run.path, check->name,

@@ -65,7 +65,8 @@ std::string checkSignals(const CheckInput& input)
         const std::string stop = stopOf(block);
         const std::string messages = fmt::format("{}", fmt::join(log.messages(), ", "));
         if (messages != odd.message || stop.empty())
-            throw Finding(fmt::format("{}: got {}, expected {}", odd.name, messages.empty() ? "no message" : messages, odd.message));
+            throw Finding(
+                fmt::format("{}: got {}, expected {}", odd.name, messages.empty() ? "no message" : messages, odd.message));
     }
     return fmt::format("{} signals: the documented messages", std::size(ODD_SIGNALS));
 }

@@ -47,8 +47,10 @@ std::string checkTruth(const CheckInput& input)
     Random random(input.seed);
     for (int i = 0; i < TRUTH_NUM; ++i) {
         const bool isDouble = random.below(2) == 0;
-        Case c = makeCase(1 + random.below(3), static_cast<Layout>(random.below(2)), static_cast<Scheme>(random.below(SCHEME_NUM)),
-                          isDouble ? DataType::Double : DataType::Single, 60, false);
+        const int type = 1 + random.below(3);
+        const auto layout = static_cast<Layout>(random.below(2));
+        const auto scheme = static_cast<Scheme>(random.below(SCHEME_NUM));
+        Case c = makeCase(type, layout, scheme, isDouble ? DataType::Double : DataType::Single, 60, false);
         c.params[3] = c.params[4] = 1.0;
         c.params[6] = c.params[7] = 2000;
         c.params[8] = 99.9999;
@@ -64,7 +66,8 @@ std::string checkTruth(const CheckInput& input)
         expectPromise(record, c, pairs);
         const double distance = distanceFrom(matrix, record, c), admitted = isDouble ? 1e-6 : 0.05;
         if (!(distance <= admitted))
-            throw Finding(fmt::format("{}: a corner lies {:.3g} from its true place, expected {:.3g} or less", what, distance, admitted));
+            throw Finding(fmt::format("{}: a corner lies {:.3g} from its true place, expected {:.3g} or less", what, distance,
+                                      admitted));
     }
     return fmt::format("{} searches among a quarter of wrong matches found the transformation", TRUTH_NUM);
 }
