@@ -77,6 +77,7 @@ void addCheckOptions(CLI::App& command, CheckOptions& o)
         ->check(realBetween(0.001, TIMEOUT_MAX, "seconds"))->type_name("S")->group(CHECKS);
     command.add_option("--format", o.format, "text, or json for one object (default text)")
         ->check(oneOf({"text", "json"}))->type_name("FORMAT")->group("Output");
+    command.footer("Exit codes: 0 all checks passed, 1 not all; others as for every command.");
 }
 
 ExitCode runCheck(const CheckOptions& o)
