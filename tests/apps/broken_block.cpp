@@ -8,13 +8,18 @@
 #define mdlStart soundStart
 #define mdlOutputs soundOutputs
 #define mdlTerminate soundTerminate
+#define mdlProcessParameters soundProcessParameters
 #define mdlCheckParameters soundCheckParameters
+#define mdlSetOutputPortDimensionInfo soundSetOutputPortDimensionInfo
 #include "szelesttform.cpp"
 #include "szelesttform_check.cpp"
+#include "szelesttform_ports.cpp"
 #undef mdlStart
 #undef mdlOutputs
 #undef mdlTerminate
+#undef mdlProcessParameters
 #undef mdlCheckParameters
+#undef mdlSetOutputPortDimensionInfo
 
 #include "block_work.h"
 
@@ -82,6 +87,17 @@ BROKEN_EXPORT void mdlTerminate(SysObjAdaptorSFun* S)
 BROKEN_EXPORT void mdlCheckParameters(SysObjAdaptorSFun* S)
 {
     if (!isBroken("checks no parameter")) soundCheckParameters(S);
+}
+
+BROKEN_EXPORT void mdlProcessParameters(SysObjAdaptorSFun* S)
+{
+    if (!isBroken("ignores changes")) soundProcessParameters(S);
+}
+
+BROKEN_EXPORT void mdlSetOutputPortDimensionInfo(SysObjAdaptorSFun* S, int port, const DimsInfo_tag* record)
+{
+    if (!isBroken("takes any mask")) return soundSetOutputPortDimensionInfo(S, port, record);
+    setPortSizes(S, record->width, record);
 }
 
 // ---- Host calls on their way

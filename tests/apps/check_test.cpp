@@ -75,6 +75,8 @@ const Fault FAULTS[] = {
     {"checks no parameter", "parameters", "failed", "transformType=0: not admitted by the documentation, but the block started"},
     {"checks no parameter", "random-parameters", "failed", "not admitted"},
     {"reports something else", "refused-steps", "failed", "gave \"somethingElse\", expected pts1OrPts2TooSmall"},
+    {"ignores changes", "tunable", "failed", "changed between steps"},
+    {"takes any mask", "signals", "failed", "a matrix as mask: got no message, expected inlierOutNotVector"},
     {"gives NaN", "truth", "failed", "expected all finite or all zero"},
     {"ends the process", "order", "crashed", "ended with exit code 0; at: similarity"},
 };

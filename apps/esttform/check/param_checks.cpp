@@ -56,9 +56,12 @@ void expectAnswer(const CheckInput& input, const Params& params, const std::stri
         throw Finding(fmt::format("{}: not admitted by the documentation, but the block started", what));
     if (refusedNum > 0 && (namedParam(stop) < 0 || isAdmitted(namedParam(stop), params)))
         throw Finding(fmt::format("{}: the message names none of the values that are not admitted: {}", what, stop));
-    if (refusedNum == 0 && (block.instance().inputs[0].dims.size(0) == 2) == isFlagSet(params[17])
-        && block.instance().inputs[0].dims.size(1) != 2)
-        throw Finding(fmt::format("{}: the points lie {}", what, isFlagSet(params[17]) ? "in columns" : "in rows"));
+    if (refusedNum > 0)
+        return;
+    const int sampleSize = static_cast<int>(params[0]) + 1;
+    const blockhost::Dims expected = isFlagSet(params[17]) ? blockhost::Dims{sampleSize, 2} : blockhost::Dims{2, sampleSize};
+    if (const std::string size = block.instance().inputs[0].dims.text(); size != expected.text())
+        throw Finding(fmt::format("{}: the smallest input is {}, expected {}", what, size, expected.text()));
 }
 
 std::vector<Params> basicSettings()
