@@ -2,6 +2,7 @@
 
 #include "check/case.h"
 #include "check/checks.h"
+#include "check/heap_meter.h"
 #include "check/isolated.h"
 #include "check/report.h"
 #include "number_text.h"
@@ -57,7 +58,9 @@ check::Outcome run(const Check& c, check::CheckInput input, double timeout)
             note("loading");
             // Keeps the library loaded from one instance to the next, as in a host with many: what it keeps in between shows.
             const blockhost::Block loaded(check::openSetup(input.path, {}));
-            return c.run(input);
+            const std::string text = c.run(input);
+            check::expectNoLeak();
+            return text;
         },
         timeout);
 }
