@@ -1,6 +1,8 @@
 // Where the estimator finds its block when nobody says. Looks at the environment and beside its own library; loads nothing.
 #pragma once
 
+#include "estimator.h"
+
 #include <string>
 
 namespace blockhost {
@@ -9,6 +11,6 @@ namespace blockhost {
 /// library or in esttform/ below it.
 ///
 /// @throws Error (Load) if neither file is there; the text names the folder
-std::string findBlock(const std::string& requestedPath);
+ESTTFORM_API std::string findBlock(const std::string& requestedPath);
 
 }  // namespace blockhost

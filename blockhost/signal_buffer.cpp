@@ -12,19 +12,27 @@ namespace blockhost {
 namespace {
 
 #if defined(ESTTFORM_GUARD_ZONES) || !defined(NDEBUG)
-constexpr std::size_t GUARD_BYTE_NUM = SignalBuffer::ALIGNMENT;
+constexpr std::size_t GUARD_BYTE_NUM_OF_BUILD = SignalBuffer::ALIGNMENT;
 #else
-constexpr std::size_t GUARD_BYTE_NUM = 0;
+constexpr std::size_t GUARD_BYTE_NUM_OF_BUILD = 0;
 #endif
+
+/// Bytes of each guard zone of a new buffer, a multiple of the alignment.
+std::size_t newGuardByteNum = GUARD_BYTE_NUM_OF_BUILD;
 
 /// No likely value of any element type: not 0, 1 or a small number, and a NaN in neither precision.
 constexpr std::byte GUARD_PATTERN{0xA7};
 
-/// Bytes after the front guard: the data, what is missing to the alignment, and the rear guard.
-std::size_t paddedByteNum(std::size_t byteNum)
+std::size_t roundedUp(std::size_t byteNum) noexcept
 {
     constexpr std::size_t A = SignalBuffer::ALIGNMENT;
-    return (byteNum + A - 1) / A * A + std::max(GUARD_BYTE_NUM, byteNum == 0 ? A : 0);
+    return (byteNum + A - 1) / A * A;
+}
+
+/// Bytes after the front guard: the data, what is missing to the alignment, and the rear guard.
+std::size_t paddedByteNum(std::size_t byteNum, std::size_t guardByteNum) noexcept
+{
+    return roundedUp(byteNum) + std::max(guardByteNum, byteNum == 0 ? SignalBuffer::ALIGNMENT : 0);
 }
 
 bool isIntact(const std::byte* first, const std::byte* last) noexcept
@@ -36,7 +44,12 @@ bool isIntact(const std::byte* first, const std::byte* last) noexcept
 
 bool hasGuardZones() noexcept
 {
-    return GUARD_BYTE_NUM > 0;
+    return newGuardByteNum > 0;
+}
+
+void setGuardZones(std::size_t byteNum) noexcept
+{
+    newGuardByteNum = roundedUp(byteNum);
 }
 
 void SignalBuffer::Release::operator()(std::byte* memory) const noexcept
@@ -44,27 +57,28 @@ void SignalBuffer::Release::operator()(std::byte* memory) const noexcept
     ::operator delete(memory, std::align_val_t{ALIGNMENT});
 }
 
-SignalBuffer::SignalBuffer(const std::string& name, std::size_t byteNum) : mByteNum(byteNum)
+SignalBuffer::SignalBuffer(const std::string& name, std::size_t byteNum) : mByteNum(byteNum), mGuardByteNum(newGuardByteNum)
 {
+    const std::size_t allByteNum = mGuardByteNum + paddedByteNum(byteNum, mGuardByteNum);
     void* memory = nullptr;
     if (byteNum < std::numeric_limits<std::size_t>::max() / 2)
-        memory = ::operator new(GUARD_BYTE_NUM + paddedByteNum(byteNum), std::align_val_t{ALIGNMENT}, std::nothrow);
+        memory = ::operator new(allByteNum, std::align_val_t{ALIGNMENT}, std::nothrow);
     if (memory == nullptr)
         throw esttform::Error(esttform::ErrorKind::Usage,
                               fmt::format("{}: cannot allocate {} bytes; use fewer points", name, byteNum));
     mMemory.reset(static_cast<std::byte*>(memory));
-    mData = mMemory.get() + GUARD_BYTE_NUM;
-    std::memset(mMemory.get(), static_cast<int>(GUARD_PATTERN), GUARD_BYTE_NUM + paddedByteNum(byteNum));
+    mData = mMemory.get() + mGuardByteNum;
+    std::memset(mMemory.get(), static_cast<int>(GUARD_PATTERN), allByteNum);
     std::memset(mData, 0, byteNum);
 }
 
 const char* SignalBuffer::overwrittenSide() const noexcept
 {
-    if (GUARD_BYTE_NUM == 0 || mData == nullptr)
+    if (mGuardByteNum == 0 || mData == nullptr)
         return nullptr;
     if (!isIntact(mMemory.get(), mData))
         return "before the start";
-    return isIntact(mData + mByteNum, mData + paddedByteNum(mByteNum)) ? nullptr : "past the end";
+    return isIntact(mData + mByteNum, mData + paddedByteNum(mByteNum, mGuardByteNum)) ? nullptr : "past the end";
 }
 
 }  // namespace blockhost

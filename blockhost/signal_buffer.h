@@ -1,5 +1,5 @@
 // SignalBuffer: memory of a signal, a work vector or a run-time parameter, contiguous and 64-byte aligned.
-// With guard zones (Debug builds, or the build option ESTTFORM_GUARD_ZONES) writing past either end is found out.
+// With guard zones (Debug builds, the build option ESTTFORM_GUARD_ZONES, or on demand) writing past either end is found out.
 #pragma once
 
 #include "estimator.h"
@@ -12,6 +12,9 @@ namespace blockhost {
 
 /// True when buffers are built with guard zones.
 ESTTFORM_API bool hasGuardZones() noexcept;
+/// Size of the guard zones of buffers that are allocated from now on, whatever the build: 0 for none.
+/// [on the host's thread]
+ESTTFORM_API void setGuardZones(std::size_t byteNum) noexcept;
 
 /// A zeroed buffer at a fixed address. Move-only; the address survives a move.
 class SignalBuffer {
@@ -37,6 +40,7 @@ private:
     std::unique_ptr<std::byte, Release> mMemory;
     std::byte* mData = nullptr;
     std::size_t mByteNum = 0;
+    std::size_t mGuardByteNum = 0;
 };
 
 }  // namespace blockhost

@@ -10,6 +10,7 @@ namespace esttform::app {
 enum class ExitCode : int {
     Done = 0,
     NothingFound = 1,  ///< every step ended without a transformation
+    CheckFailed = 1,   ///< a check of a block failed
     BadInput = 2,      ///< wrong usage, unreadable or wrong input, output that cannot be written
     NoBlock = 3,       ///< the block could not be loaded
     OurFault = 4,      ///< a fault of this system

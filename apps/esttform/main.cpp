@@ -1,6 +1,7 @@
 // The program esttform: subcommands, messages and exit codes.
 
 #include "batch_command.h"
+#include "check_command.h"
 #include "codegen_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
@@ -73,6 +74,9 @@ ExitCode run(int argc, char** argv)
     RegisterOptions registerOptions;
     CLI::App& registering = *app.add_subcommand("register", "match two pictures and estimate the transformation between them");
     addRegisterOptions(registering, registerOptions);
+    CheckOptions checkOptions;
+    CLI::App& check = *app.add_subcommand("check", "examine a block as a strict host would");
+    addCheckOptions(check, checkOptions);
 
     try {
         app.parse(argc, argv);
@@ -91,6 +95,8 @@ ExitCode run(int argc, char** argv)
         return runCodegen(codegenOptions);
     if (registering.parsed())
         return runRegister(registerOptions);
+    if (check.parsed())
+        return runCheck(checkOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 
