@@ -69,7 +69,8 @@ check::Outcome run(const Check& c, check::CheckInput input, double timeout)
 
 void addCheckOptions(CLI::App& command, CheckOptions& o)
 {
-    command.add_option("PATH", o.path, "library of the block (default: $ESTTFORM_BLOCK, else the block of this program)")->type_name("FILE");
+    command.add_option("PATH", o.path,
+                       "library of the block (default: $ESTTFORM_BLOCK, else the block of this program)")->type_name("FILE");
     const char* const CHECKS = "Checks";
     command.add_flag("--list", o.isList, "list the checks instead of running them")->group(CHECKS);
     command.add_option("--only", o.only, "checks that are run, separated by commas (default: all)")

@@ -36,7 +36,8 @@ std::string toTable(const RunResult& run)
         text += fmt::format("{:{}}  {:9}  {}{}\n", check->name, nameWidth(), verdictText(outcome.verdict),
                             check->isRandom ? fmt::format("seed {}: ", run.seed) : "", outcome.found);
     const int num = static_cast<int>(run.results.size());
-    text += fmt::format("\n{}: {}, {} ok, {} not\n", run.path, app::counted(num, "check"), num - run.failedNum(), run.failedNum());
+    text += fmt::format("\n{}: {}, {} ok, {} not\n", run.path, app::counted(num, "check"), num - run.failedNum(),
+                        run.failedNum());
     for (const auto& [check, outcome] : run.results)
         if (outcome.verdict != Verdict::Ok)
             text += fmt::format("again: esttform check {} --only {}{}\n", run.path, check->name,
