@@ -43,8 +43,9 @@ void addInputOptions(CLI::App& command, InputOptions& options)
 
 FrameSource::FrameSource(const InputOptions& input, const ReaderOptions& options, int sampleSize, const char* typeText)
     : mIsBounded(input.maxPtsNum.has_value()),
-      mIsStreamed(mIsBounded || input.isFollowed || input.path == "-" || !std::filesystem::is_regular_file(input.path)), mSampleSize(sampleSize),
-      mTypeText(typeText), mMaxPtsNum(input.maxPtsNum.value_or(sampleSize)), mReader(input.path, readerOptionsOf(input, options))
+      mIsStreamed(mIsBounded || input.isFollowed || input.path == "-" || !std::filesystem::is_regular_file(input.path)),
+      mSampleSize(sampleSize), mTypeText(typeText), mMaxPtsNum(input.maxPtsNum.value_or(sampleSize)),
+      mReader(input.path, readerOptionsOf(input, options))
 {
     if (input.isFollowed && !mReader.hasFrames())
         throw Failure(fmt::format("{}: no column frame, which says where a step ends; --follow needs one", mReader.name()));

@@ -1,4 +1,4 @@
-// What Ctrl-C (SIGINT), SIGTERM and SIGHUP do: the program ends at once with its own exit code, and outputs are put in order first.
+// What Ctrl-C (SIGINT), SIGTERM and SIGHUP do: outputs are put in order, and the program ends with an exit code of its own.
 // The signal takes effect wherever the program is, in a long step too; only a hold puts it off.
 #pragma once
 
