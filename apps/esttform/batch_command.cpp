@@ -81,6 +81,8 @@ void addBatchOptions(CLI::App& command, BatchOptions& o)
     command.add_option("-j,--jobs", o.jobNum, "processes that work at a time (default: one a processor); the results do not "
                                               "depend on it")
         ->check(wholeBetween(1, JOB_MAX_NUM))->type_name("N")->group(OUTPUT);
+    command.add_flag("--diagnose", o.isDiagnosed, "say of every result whether it is to be trusted: one more key or column")
+        ->group(OUTPUT);
     command.add_flag("--resume", o.isResume, "go on where an earlier run of the same command ended; its results stay")
         ->group(OUTPUT);
     command.add_flag("-q,--quiet", o.isQuiet, "no warnings, progress and summary on standard error; bad files are still named")
@@ -103,14 +105,14 @@ ExitCode runBatch(const BatchOptions& o)
         else if (format == Format::Csv && file.find('\n') != std::string::npos)
             throw Failure(fmt::format("{}: a name with a line break; write the results to a .jsonl file", inQuotes(file)));
     const std::uint32_t seed = o.block.seed.value_or(0);
-    const BatchFormat lines(format, setup, checkedLayout(setup));
+    const BatchFormat lines(format, setup, checkedLayout(setup), o.isDiagnosed);
 
     const InterruptionHold hold;                         // its end ends the program
     BatchResults results(o.outputPath, lines, o.isResume, files, seed);
     BatchCounts counts = results.keptCounts();
     const std::int64_t keptNum = counts.sum();
     {
-        BatchEstimator estimator(setup, lines, o.columns, o.isQuiet);
+        BatchEstimator estimator(setup, lines, o.columns, o.isDiagnosed, o.isQuiet);
         WorkerPool pool(workerNumOf(o, fileNum - keptNum), [&](std::int64_t idx) {
             return packed(estimator.estimate(files[static_cast<std::size_t>(idx)], batchSeed(seed, idx)));
         });

@@ -15,6 +15,7 @@ struct BatchOptions {
     BlockOptions block;
     std::string outputPath;
     int jobNum = 0;                       ///< 0: one a processor
+    bool isDiagnosed = false;
     bool isResume = false;
     bool isQuiet = false;
 };

@@ -38,7 +38,8 @@ BatchEntry unpacked(const std::string& text)
     return {static_cast<BatchOutcome>(text.at(0)), text.substr(1, lineEnd - 1), text.substr(lineEnd)};
 }
 
-BatchFormat::BatchFormat(Format format, const BlockSetup& setup, Layout layout) : mFormat(format)
+BatchFormat::BatchFormat(Format format, const BlockSetup& setup, Layout layout, bool isDiagnosed)
+    : mFormat(format), mIsDiagnosed(isDiagnosed)
 {
     const bool isSquare = setup.typeText()[0] == 'p';
     mShape.tformRows = isSquare || layout == Layout::Rows ? 3 : 2;
@@ -47,7 +48,7 @@ BatchFormat::BatchFormat(Format format, const BlockSetup& setup, Layout layout) 
 
 std::string BatchFormat::header() const
 {
-    return mFormat == Format::Csv ? "file,seed" + toCsvHeader(mShape, false).substr(STEP_HEADER.size()) : "";
+    return mFormat == Format::Csv ? "file,seed" + toCsvHeader(mShape, false, mIsDiagnosed).substr(STEP_HEADER.size()) : "";
 }
 
 std::string BatchFormat::start(const std::string& file, std::uint32_t seed) const
@@ -56,19 +57,20 @@ std::string BatchFormat::start(const std::string& file, std::uint32_t seed) cons
                                   : fmt::format("{{\"file\":{},\"seed\":{}", textJson(file), seed);
 }
 
-std::string BatchFormat::line(const std::string& file, std::uint32_t seed, const StepResult& result) const
+std::string BatchFormat::line(const std::string& file, std::uint32_t seed, const StepResult& result,
+                              const Diagnosis* diagnosis) const
 {
-    return start(file, seed) + (mFormat == Format::Csv ? toCsvRow({}, result, false).substr(STEP_CSV.size())
-                                                       : toJsonLine({}, result, false).substr(STEP_JSON.size()));
+    return start(file, seed) + (mFormat == Format::Csv ? toCsvRow({}, result, false, diagnosis).substr(STEP_CSV.size())
+                                                       : toJsonLine({}, result, false, diagnosis).substr(STEP_JSON.size()));
 }
 
 std::string BatchFormat::badLine(const std::string& file, std::uint32_t seed, const std::string& error) const
 {
     if (mFormat == Format::Json)
         return start(file, seed) + ",\"ptsNum\":null,\"tform\":null,\"inliers\":null,\"inlierNum\":null,\"warnings\":[],\"error\":"
-               + textJson(error) + "}\n";
+               + textJson(error) + (mIsDiagnosed ? ",\"diagnosis\":null}\n" : "}\n");
     const std::string noMatrix(static_cast<std::size_t>(mShape.tformRows * mShape.tformCols), ',');
-    return start(file, seed) + ",,0," + noMatrix + ",," + csvField(validText(error)) + "\n";
+    return start(file, seed) + ",,0," + noMatrix + ",," + csvField(validText(error)) + (mIsDiagnosed ? ",\n" : "\n");
 }
 
 bool BatchFormat::parse(const std::string& line, std::string& file, std::uint32_t& seed, BatchOutcome& outcome) const
@@ -99,8 +101,8 @@ bool BatchFormat::parse(const std::string& line, std::string& file, std::uint32_
 }
 
 BatchEstimator::BatchEstimator(const BlockSetup& setup, const BatchFormat& format, std::vector<std::string> columns,
-                               bool isQuiet)
-    : mSetup(setup), mFormat(format), mColumns(std::move(columns)), mIsQuiet(isQuiet)
+                               bool isDiagnosed, bool isQuiet)
+    : mSetup(setup), mFormat(format), mColumns(std::move(columns)), mIsDiagnosed(isDiagnosed), mIsQuiet(isQuiet)
 {
 }
 
@@ -151,7 +153,14 @@ BatchEntry BatchEstimator::estimateFile(const std::string& file, std::uint32_t s
         warn(fmt::format("{}: {}", result.error->id, result.error->text));
     else if (!result.isFound())
         warn(fmt::format("no {} transformation found: {}", mSetup.typeText(), reasonNotFound(frame, mSetup)));
-    return {result.isFound() ? BatchOutcome::Found : BatchOutcome::NotFound, mFormat.line(file, seed, result), messages};
+    std::optional<Diagnosis> diagnosis;
+    if (mIsDiagnosed)
+        diagnosis = diagnose(frame.pairs, result, mEstimator->layout(), mSetup,
+                             result.isFound() || result.error ? "" : reasonNotFound(frame, mSetup));
+    if (diagnosis && result.isFound() && !diagnosis->isTrusted())
+        warn(fmt::format("not to be trusted: {}", warningCodes(*diagnosis)));
+    return {result.isFound() ? BatchOutcome::Found : BatchOutcome::NotFound,
+            mFormat.line(file, seed, result, diagnosis ? &*diagnosis : nullptr), messages};
 }
 
 }  // namespace esttform::app

@@ -29,12 +29,14 @@ BatchEntry unpacked(const std::string& text);
 /// Writes the lines of results as JSON lines or CSV. They are those of 'estimate' with file and seed in the place of step.
 class BatchFormat {
 public:
-    /// @param format  Json or Csv
-    BatchFormat(Format format, const BlockSetup& setup, Layout layout);
+    /// @param format       Json or Csv
+    /// @param isDiagnosed  the lines come with a diagnosis
+    BatchFormat(Format format, const BlockSetup& setup, Layout layout, bool isDiagnosed);
 
     /// First line of the results; empty for JSON.
     std::string header() const;
-    std::string line(const std::string& file, std::uint32_t seed, const StepResult& result) const;
+    /// @param diagnosis  null unless the lines come with one
+    std::string line(const std::string& file, std::uint32_t seed, const StepResult& result, const Diagnosis* diagnosis) const;
     /// Line of a file without a result: null or empty where the others have numbers.
     std::string badLine(const std::string& file, std::uint32_t seed, const std::string& error) const;
 
@@ -47,6 +49,7 @@ private:
     std::string start(const std::string& file, std::uint32_t seed) const;
 
     Format mFormat;
+    bool mIsDiagnosed;
     StepResult mShape;   ///< without a matrix
 };
 
@@ -54,7 +57,8 @@ private:
 class BatchEstimator {
 public:
     /// @param setup, format  must outlive the estimator
-    BatchEstimator(const BlockSetup& setup, const BatchFormat& format, std::vector<std::string> columns, bool isQuiet);
+    BatchEstimator(const BlockSetup& setup, const BatchFormat& format, std::vector<std::string> columns, bool isDiagnosed,
+                   bool isQuiet);
 
     /// Never throws for a fault of the file: that is the entry.
     BatchEntry estimate(const std::string& file, std::uint32_t seed);
@@ -65,6 +69,7 @@ private:
     const BlockSetup& mSetup;
     const BatchFormat& mFormat;
     std::vector<std::string> mColumns;
+    bool mIsDiagnosed;
     bool mIsQuiet;
     std::optional<Estimator> mEstimator;
 };

@@ -6,6 +6,7 @@
 #include "estimate_command.h"
 #include "help_formatter.h"
 #include "interruption.h"
+#include "number_text.h"
 #include "output_file.h"
 #include "params_command.h"
 #include "progress.h"
@@ -49,14 +50,25 @@ ExitCode printOut(const std::string& text)
     return ExitCode::Done;
 }
 
+/// The library's own message would only say that a command is missing.
+void refuseUnknownCommand(const CLI::App& app, int argc, char** argv)
+{
+    if (argc < 2 || argv[1][0] == '-')
+        return;
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
+        if (command->check_name(argv[1]))
+            return;
+    throw Failure(fmt::format("no command {}; 'esttform --help' lists them", inQuotes(argv[1])));
+}
+
 ExitCode run(int argc, char** argv)
 {
     CLI::App app("Estimates 2-D transformations robustly from matched points.", "esttform");
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
-    app.footer("Exit codes: 0 done, 1 no transformation found, 2 wrong usage or input, 3 block could not be loaded,\n"
-               "4 fault of the program, 130 interrupted. 'esttform COMMAND --help' tells more.");
+    app.footer("Exit codes: 0 done, 1 no transformation found or a check failed, 2 wrong usage or input,\n"
+               "3 block could not be loaded, 4 fault of the program, 130 interrupted. 'esttform COMMAND --help' tells more.");
 
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
@@ -78,6 +90,7 @@ ExitCode run(int argc, char** argv)
     CLI::App& check = *app.add_subcommand("check", "examine a block as a strict host would");
     addCheckOptions(check, checkOptions);
 
+    refuseUnknownCommand(app, argc, argv);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

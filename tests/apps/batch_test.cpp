@@ -61,6 +61,23 @@ protected:
     TempFolder folder;
 };
 
+TEST_F(BatchTest, DiagnosesEveryFile)
+{
+    folder.write("pairs/bad.csv", "x1,y1\n");
+    const std::string results = folder.path("results.jsonl"), table = folder.path("results.csv");
+    EXPECT_EQ(runProgram(command(results, {"--diagnose"})).code, 2);
+    EXPECT_EQ(runProgram(command(table, {"--diagnose"})).code, 2);
+    const std::vector<std::string> lines = linesOf(readFile(results)), rows = linesOf(readFile(table));
+    ASSERT_EQ(lines.size(), 10u);
+    ASSERT_EQ(rows.size(), 11u);
+    EXPECT_TRUE(json::parse(lines[0])["diagnosis"].is_null()) << "bad.csv";
+    EXPECT_EQ(json::parse(lines[1])["diagnosis"]["warnings"], json::array()) << "p0.csv";
+    EXPECT_EQ(json::parse(lines[9])["diagnosis"]["warnings"][0]["code"], "notFound") << "q.tsv";
+    EXPECT_EQ(rows[1].substr(rows[1].size() - 2), "\",") << "an empty last column";
+    EXPECT_EQ(std::count(rows[2].begin(), rows[2].end(), ','), std::count(rows[0].begin(), rows[0].end(), ',')) << rows[2];
+    EXPECT_EQ(rows[10].substr(rows[10].size() - 9), ",notFound");
+}
+
 TEST_F(BatchTest, EachFileHasTheResultOfEstimateWhateverTheNumberOfJobs)
 {
     const std::string one = folder.path("one.jsonl"), table = folder.path("one.csv");

@@ -213,6 +213,7 @@ const UsageCase USAGES[] = {
     {"tooFewPairs", {"estimate", "BAD"}, 2, "bad.csv: 3 pairs, a projective transformation needs at least 4"},
     {"missingFile", {"estimate", "none.csv"}, 2, "none.csv: cannot open: No such file or directory"},
     {"noFile", {"estimate"}, 2, "MATCHES is required; see esttform --help"},
+    {"unknownCommand", {"estimat"}, 2, "no command \"estimat\"; 'esttform --help' lists them"},
     {"noCommand", {}, 2, "A subcommand is required; see esttform --help"},
     {"unknownOption", {"estimate", "PAIRS", "--speed"}, 2,
      "The following argument was not expected: --speed; see esttform --help"},
