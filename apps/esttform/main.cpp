@@ -68,7 +68,8 @@ ExitCode run(int argc, char** argv)
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
     app.footer("Exit codes: 0 done, 1 no transformation found or a check failed, 2 wrong usage or input,\n"
-               "3 block could not be loaded, 4 fault of the program, 130 interrupted. 'esttform COMMAND --help' tells more.");
+               "3 block could not be loaded, 4 fault of the program, 130 interrupted.\n"
+               "'esttform COMMAND --help' tells more.");
 
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
