@@ -1,6 +1,7 @@
 // The program esttform: subcommands, messages and exit codes.
 
 #include "codegen_command.h"
+#include "compare_command.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
 #include "output_file.h"
@@ -51,8 +52,9 @@ ExitCode run(int argc, char** argv)
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
-    app.footer("Exit codes: 0 done, 1 no transformation found, 2 wrong usage or input, 3 block could not be loaded,\n"
-               "4 fault of the program. 'esttform COMMAND --help' tells more.");
+    app.footer("Exit codes: 0 done, 1 no transformation found (compare: beyond the tolerance),\n"
+               "2 wrong usage or input, 3 block could not be loaded, 4 fault of the program.\n"
+               "'esttform COMMAND --help' tells more.\n");
 
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
@@ -67,6 +69,9 @@ ExitCode run(int argc, char** argv)
     RegisterOptions registerOptions;
     CLI::App& registering = *app.add_subcommand("register", "match two pictures and estimate the transformation between them");
     addRegisterOptions(registering, registerOptions);
+    CompareOptions compareOptions;
+    CLI::App& compare = *app.add_subcommand("compare", "compare two results, or a result with the known truth");
+    addCompareOptions(compare, compareOptions);
 
     try {
         app.parse(argc, argv);
@@ -83,6 +88,8 @@ ExitCode run(int argc, char** argv)
         return runCodegen(codegenOptions);
     if (registering.parsed())
         return runRegister(registerOptions);
+    if (compare.parsed())
+        return runCompare(compareOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 
