@@ -7,6 +7,7 @@
 #include "output_file.h"
 #include "params_command.h"
 #include "register_command.h"
+#include "stabilise_command.h"
 #include "trace_command.h"
 
 #include <CLI/CLI.hpp>
@@ -72,6 +73,9 @@ ExitCode run(int argc, char** argv)
     CompareOptions compareOptions;
     CLI::App& compare = *app.add_subcommand("compare", "compare two results, or a result with the known truth");
     addCompareOptions(compare, compareOptions);
+    StabiliseOptions stabiliseOptions;
+    CLI::App& stabilise = *app.add_subcommand("stabilise", "the path of a camera from a sequence of matches, smoothed");
+    addStabiliseOptions(stabilise, stabiliseOptions);
 
     try {
         app.parse(argc, argv);
@@ -90,6 +94,8 @@ ExitCode run(int argc, char** argv)
         return runRegister(registerOptions);
     if (compare.parsed())
         return runCompare(compareOptions);
+    if (stabilise.parsed())
+        return runStabilise(stabiliseOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 
