@@ -2,8 +2,10 @@
 
 #include "codegen_command.h"
 #include "compare_command.h"
+#include "config_file.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
+#include "option_pages.h"
 #include "output_file.h"
 #include "params_command.h"
 #include "register_command.h"
@@ -53,6 +55,8 @@ ExitCode run(int argc, char** argv)
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
+    addConfigOption(app);
+    addPageOptions(app);
     app.footer("Exit codes: 0 done, 1 no transformation found (compare: beyond the tolerance),\n"
                "2 wrong usage or input, 3 block could not be loaded, 4 fault of the program.\n"
                "'esttform COMMAND --help' tells more.\n");
