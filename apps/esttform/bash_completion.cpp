@@ -8,7 +8,7 @@ namespace esttform::app {
 
 namespace {
 
-/// How the value of an option is completed: "-f" files, "-d" folders, "-W 'a b'" words, empty: not at all.
+/// How the value of an option is completed: "-f" files, "-d" folders, "-W a b" words, empty: not at all.
 std::string valueAction(CLI::Option& option)
 {
     const std::string type = option.get_type_name();
@@ -19,7 +19,7 @@ std::string valueAction(CLI::Option& option)
     try {
         std::string words = option.get_validator(0)->get_name();
         std::replace(words.begin(), words.end(), '|', ' ');
-        return words.find(' ') == std::string::npos ? "" : fmt::format("-W '{}'", words);
+        return words.find(' ') == std::string::npos ? "" : "-W " + words;
     } catch (const CLI::OptionNotFound&) {
         return {};
     }

@@ -179,9 +179,10 @@ void drawHead(PlotCanvas& canvas, const StabilisedPath& s, const std::string& in
     canvas.setFont(TITLE_SIZE, true);
     canvas.drawText(canvas.fitted("Path of the picture, " + fileNameOf(inputName), width), left, 20.0);
     canvas.setFont(TEXT_SIZE, false);
-    canvas.drawText(canvas.fitted(fmt::format("{}, {} without a motion; change of the motion from picture to picture {:.3g} pixels "
-                                              "before, {:.3g} after", counted(static_cast<std::int64_t>(s.path.size()), "picture"),
-                                              missingNum, shakeOf(s.path), shakeOf(s.smooth)), width), left, 37.0);
+    const std::string counts = fmt::format("{}, {} bridged; shake (RMS change of the motion) {:.3g} pixels before, {:.3g} after",
+                                           counted(static_cast<std::int64_t>(s.path.size()), "picture"),
+                                           counted(missingNum, "motion"), shakeOf(s.path), shakeOf(s.smooth));
+    canvas.drawText(canvas.fitted(counts, width), left, 37.0);
     double x = left;
     const auto drawEntry = [&](const char* text) {
         cairo_set_source_rgb(cr, 0.0, 0.0, 0.0);

@@ -37,7 +37,7 @@ TEST(OptionPagesTest, ManualPageAndCompletionHaveEveryOptionOfEveryCommand)
         }
         EXPECT_GT(num, 5) << command;
     }
-    EXPECT_NE(completion.find("--layout-a) action=\"-W 'columns rows'\""), std::string::npos);
+    EXPECT_NE(completion.find("--layout-a) action=\"-W columns rows\""), std::string::npos);
 }
 
 TEST(OptionPagesTest, BashCompletesCommandsOptionsAndWords)

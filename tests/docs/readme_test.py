@@ -11,7 +11,7 @@ import sys
 import tempfile
 
 source, esttform, shift_example = (pathlib.Path(arg).resolve() for arg in sys.argv[1:4])
-pages = ["README.md", "docs/generated-code.md", "docs/pictures.md"]
+pages = ["README.md", "docs/generated-code.md", "docs/pictures.md", "docs/stabilise.md"]
 readme = (source / "README.md").read_text()
 failures = []
 outputs = {}
