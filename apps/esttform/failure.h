@@ -11,6 +11,7 @@ enum class ExitCode : int {
     Done = 0,
     NothingFound = 1,  ///< every step ended without a transformation
     CheckFailed = 1,   ///< a check of a block failed
+    Differs = 1,       ///< results that were compared lie apart by more than the tolerance
     BadInput = 2,      ///< wrong usage, unreadable or wrong input, output that cannot be written
     NoBlock = 3,       ///< the block could not be loaded
     OurFault = 4,      ///< a fault of this system

@@ -3,14 +3,18 @@
 #include "batch_command.h"
 #include "check_command.h"
 #include "codegen_command.h"
+#include "compare_command.h"
+#include "config_file.h"
 #include "estimate_command.h"
 #include "help_formatter.h"
 #include "interruption.h"
 #include "number_text.h"
+#include "option_pages.h"
 #include "output_file.h"
 #include "params_command.h"
 #include "progress.h"
 #include "register_command.h"
+#include "stabilise_command.h"
 #include "trace_command.h"
 
 #include <CLI/CLI.hpp>
@@ -67,9 +71,12 @@ ExitCode run(int argc, char** argv)
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "esttform " ESTTFORM_VERSION);
     app.require_subcommand(1);
-    app.footer("Exit codes: 0 done, 1 no transformation found or a check failed, 2 wrong usage or input,\n"
-               "3 block could not be loaded, 4 fault of the program, 130 interrupted.\n"
+    app.footer("Exit codes: 0 done, 1 no transformation found, a check failed or results differ,\n"
+               "2 wrong usage or input, 3 block could not be loaded, 4 fault of the program,\n"
+               "130 interrupted.\n"
                "'esttform COMMAND --help' tells more.");
+    addConfigOption(app);
+    addPageOptions(app);
 
     EstimateOptions estimateOptions;
     CLI::App& estimate = *app.add_subcommand("estimate", "estimate the transformation from a file of matched points");
@@ -90,6 +97,12 @@ ExitCode run(int argc, char** argv)
     CheckOptions checkOptions;
     CLI::App& check = *app.add_subcommand("check", "examine a block as a strict host would");
     addCheckOptions(check, checkOptions);
+    CompareOptions compareOptions;
+    CLI::App& compare = *app.add_subcommand("compare", "compare two results, or a result with the known truth");
+    addCompareOptions(compare, compareOptions);
+    StabiliseOptions stabiliseOptions;
+    CLI::App& stabilise = *app.add_subcommand("stabilise", "the path of a camera from a sequence of matches, smoothed");
+    addStabiliseOptions(stabilise, stabiliseOptions);
 
     refuseUnknownCommand(app, argc, argv);
     try {
@@ -111,6 +124,10 @@ ExitCode run(int argc, char** argv)
         return runRegister(registerOptions);
     if (check.parsed())
         return runCheck(checkOptions);
+    if (compare.parsed())
+        return runCompare(compareOptions);
+    if (stabilise.parsed())
+        return runStabilise(stabiliseOptions);
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 

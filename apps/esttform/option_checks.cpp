@@ -47,7 +47,7 @@ CLI::Validator wholeBetween(std::int64_t lowest, std::int64_t highest)
 
 CLI::Validator oneOf(const std::vector<std::string>& words)
 {
-    return check("WORD", fmt::format("{}", fmt::join(words, ", ")), [words](const std::string& text) {
+    return check(fmt::format("{}", fmt::join(words, "|")), fmt::format("{}", fmt::join(words, ", ")), [words](const std::string& text) {
         return std::find(words.begin(), words.end(), text) != words.end();
     });
 }

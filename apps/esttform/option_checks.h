@@ -15,7 +15,7 @@ CLI::Validator realBetween(double lowest, double highest, const std::string& uni
 /// Admits a whole number from `lowest` to `highest`, written in digits.
 CLI::Validator wholeBetween(std::int64_t lowest, std::int64_t highest);
 
-/// Admits the words given.
+/// Admits the words given; its name is these joined by '|', from which the shell's completion takes them.
 CLI::Validator oneOf(const std::vector<std::string>& words);
 
 }  // namespace esttform::app
