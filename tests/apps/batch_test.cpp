@@ -1,7 +1,7 @@
 // Many files by several processes: what stands in the results, and what becomes of them when something goes wrong.
-#include "batch_files.h"
+#include "batch/batch_files.h"
+#include "output/progress.h"
 #include "program.h"
-#include "progress.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

@@ -1,5 +1,5 @@
 // From command-line options to the block's dialog values.
-#include "block_options.h"
+#include "options/block_options.h"
 
 #include "failure.h"
 

@@ -1,6 +1,6 @@
 // The command codegen: a folder appears whole or not at all, and nothing of the user's is lost.
 #include "failure.h"
-#include "output_folder.h"
+#include "output/output_folder.h"
 #include "program.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Diagnosis: sound results raise nothing, each kind of unsound one its own warning, and no result changes.
-#include "chance.h"
-#include "diagnosis.h"
+#include "diagnosis/chance.h"
+#include "diagnosis/diagnosis.h"
 #include "program.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // The program that codegen --with-main adds: the same JSON as 'esttform estimate', and its messages.
-#include "result_writer.h"
+#include "estimate/result_writer.h"
 
 #include "number_text.h"
 #include "program.h"

@@ -1,5 +1,5 @@
 // What the reader takes from a file, and what it says about a file it cannot take.
-#include "match_reader.h"
+#include "matches/match_reader.h"
 
 #include "failure.h"
 #include "program.h"

@@ -1,5 +1,5 @@
 // Files appear complete or not at all.
-#include "output_file.h"
+#include "output/output_file.h"
 
 #include "failure.h"
 #include "program.h"

@@ -1,7 +1,7 @@
 // Pictures for tests, drawn and written without the program.
 #pragma once
 
-#include "picture.h"
+#include "plot/picture.h"
 
 #include <cairo.h>
 

@@ -1,8 +1,8 @@
 // Pictures: their geometry, formats and sizes, images and distances in them.
-#include "plot.h"
-#include "plot_geometry.h"
-#include "plot_histogram.h"
-#include "plot_scene.h"
+#include "plot/plot.h"
+#include "plot/plot_geometry.h"
+#include "plot/plot_histogram.h"
+#include "plot/plot_scene.h"
 
 #include "failure.h"
 #include "picture_files.h"

@@ -1,5 +1,5 @@
 // Coordinates of every type, and the block's memory layouts.
-#include "points.h"
+#include "matches/points.h"
 
 #include "number_text.h"
 

@@ -1,7 +1,7 @@
 // 'esttform register': rendered pictures with a known transformation, and pictures that cannot be registered.
 #include "picture_files.h"
 #include "program.h"
-#include "vision.h"
+#include "registering/vision.h"
 
 #include "failure.h"
 

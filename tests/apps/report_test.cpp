@@ -1,5 +1,5 @@
 // The HTML report: what it says, and that nothing from outside becomes a part of the page's structure.
-#include "report.h"
+#include "report/report.h"
 
 #include <gtest/gtest.h>
 

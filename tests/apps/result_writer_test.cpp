@@ -1,6 +1,6 @@
 // The three output formats, on results made by hand.
-#include "not_found.h"
-#include "result_writer.h"
+#include "diagnosis/not_found.h"
+#include "estimate/result_writer.h"
 
 #include "failure.h"
 #include "program.h"

@@ -1,6 +1,6 @@
 // Paths of known motions: chained, bridged, smoothed, corrected; and what the program writes about them.
 #include "program.h"
-#include "trajectory.h"
+#include "stabilise/trajectory.h"
 
 #include <gtest/gtest.h>
 

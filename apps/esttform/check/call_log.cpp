@@ -1,4 +1,4 @@
-#include "call_log.h"
+#include "check/call_log.h"
 
 namespace esttform::check {
 

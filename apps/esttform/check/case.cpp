@@ -1,6 +1,6 @@
-#include "case.h"
+#include "check/case.h"
 
-#include "points.h"
+#include "matches/points.h"
 
 #include <fmt/format.h>
 

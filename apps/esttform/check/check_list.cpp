@@ -1,4 +1,4 @@
-#include "checks.h"
+#include "check/checks.h"
 
 namespace esttform::check {
 

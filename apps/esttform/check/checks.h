@@ -1,7 +1,7 @@
 // The checks, each a function that examines one side of a block. Run in a process of its own with guard zones on.
 #pragma once
 
-#include "isolated.h"
+#include "check/isolated.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "child_output.h"
+#include "check/child_output.h"
 
 #include <unistd.h>
 

@@ -1,7 +1,7 @@
 // Code generation: the tree that a block describes is verified by the host, and the same from every instance.
-#include "checks.h"
-#include "finding.h"
-#include "case.h"
+#include "check/case.h"
+#include "check/checks.h"
+#include "check/finding.h"
 
 #include "blockhost/codegen.h"
 

@@ -1,4 +1,4 @@
-#include "guarded_array.h"
+#include "check/guarded_array.h"
 
 #include "failure.h"
 

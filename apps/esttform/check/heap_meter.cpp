@@ -1,6 +1,6 @@
-#include "heap_meter.h"
+#include "check/heap_meter.h"
 
-#include "finding.h"
+#include "check/finding.h"
 
 #include <fmt/format.h>
 

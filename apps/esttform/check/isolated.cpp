@@ -1,8 +1,8 @@
-#include "isolated.h"
+#include "check/isolated.h"
 
-#include "child_output.h"
+#include "check/child_output.h"
+#include "check/finding.h"
 #include "failure.h"
-#include "finding.h"
 
 #include "blockhost/estimator.h"
 

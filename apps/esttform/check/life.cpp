@@ -1,7 +1,7 @@
-#include "life.h"
+#include "check/life.h"
 
 #include "blockhost/block_instance.h"
-#include "finding.h"
+#include "check/finding.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

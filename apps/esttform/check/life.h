@@ -1,8 +1,8 @@
 // Life: one instance of the block under check from set-up to terminate, with what a strict host looks at on the way.
 #pragma once
 
-#include "case.h"
-#include "points.h"
+#include "check/case.h"
+#include "matches/points.h"
 
 #include <string>
 #include <vector>

@@ -1,9 +1,9 @@
 // Lifecycle: any order that a host may take, ends at every point, lives after and beside one another.
-#include "checks.h"
-#include "finding.h"
-#include "heap_meter.h"
-#include "life.h"
-#include "point_sets.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/heap_meter.h"
+#include "check/life.h"
+#include "check/point_sets.h"
 
 #include "blockhost/block_instance.h"
 

@@ -1,10 +1,10 @@
 // Memory: what a block reads and writes besides its signals and work vectors. Guard zones of the host tell of writes; inputs
 // of the host's own, with no memory around them, end the process at any access beyond them.
-#include "checks.h"
-#include "finding.h"
-#include "guarded_array.h"
-#include "life.h"
-#include "point_sets.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/guarded_array.h"
+#include "check/life.h"
+#include "check/point_sets.h"
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
 // Dialog values that no one would choose: each is admitted or refused as documented, at the start and between steps.
-#include "checks.h"
-#include "finding.h"
-#include "life.h"
-#include "param_rules.h"
-#include "point_sets.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/life.h"
+#include "check/param_rules.h"
+#include "check/point_sets.h"
 
 #include "blockhost/block_instance.h"
 

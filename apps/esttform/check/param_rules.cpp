@@ -1,4 +1,4 @@
-#include "param_rules.h"
+#include "check/param_rules.h"
 
 #include <cmath>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "point_sets.h"
+#include "check/point_sets.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 // Sets of point pairs as the checks feed them: ordinary ones, and every kind of odd one.
 #pragma once
 
-#include "case.h"
-#include "points.h"
+#include "check/case.h"
+#include "matches/points.h"
 
 #include <array>
 #include <vector>

@@ -1,8 +1,8 @@
 // Propagation: whatever order a host offers the attributes of its signals in, the ports end the same way.
-#include "call_log.h"
-#include "checks.h"
-#include "finding.h"
-#include "life.h"
+#include "check/call_log.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/life.h"
 
 #include "blockhost/block_instance.h"
 

@@ -1,10 +1,10 @@
 // Refusals: the host answers a call with failure, or a step has sizes that do not fit. The block stops at once.
-#include "call_log.h"
-#include "checks.h"
-#include "finding.h"
-#include "heap_meter.h"
-#include "life.h"
-#include "point_sets.h"
+#include "check/call_log.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/heap_meter.h"
+#include "check/life.h"
+#include "check/point_sets.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

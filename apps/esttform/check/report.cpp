@@ -1,4 +1,4 @@
-#include "report.h"
+#include "check/report.h"
 
 #include "number_text.h"
 

@@ -1,8 +1,8 @@
 // The outcome of a run of checks, as a table for people or as JSON.
 #pragma once
 
-#include "checks.h"
-#include "isolated.h"
+#include "check/checks.h"
+#include "check/isolated.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 // Signals that do not fit the block: sizes, types and modes, each with the message that is documented for it.
-#include "call_log.h"
-#include "checks.h"
-#include "finding.h"
-#include "life.h"
+#include "check/call_log.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/life.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

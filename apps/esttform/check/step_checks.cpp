@@ -1,8 +1,8 @@
 // Steps: the right result on clean matches, the documented form of it on any others, and the same bits every time.
-#include "checks.h"
-#include "finding.h"
-#include "life.h"
-#include "point_sets.h"
+#include "check/checks.h"
+#include "check/finding.h"
+#include "check/life.h"
+#include "check/point_sets.h"
 
 #include <fmt/format.h>
 

@@ -1,0 +1,84 @@
+#include "batch/batch_files.h"
+
+#include "failure.h"
+#include "output/output_file.h"
+
+#include <fmt/format.h>
+#include <glob.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace esttform::app {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool isTable(const fs::path& path)
+{
+    std::string extension = path.extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension == ".csv" || extension == ".tsv";
+}
+
+std::vector<std::string> filesOfFolder(const std::string& folder)
+{
+    std::vector<std::string> files;
+    std::error_code fault;
+    for (fs::directory_iterator entry(folder, fault), end; !fault && entry != end; entry.increment(fault)) {
+        std::error_code ignored;
+        if (isTable(entry->path()) && entry->is_regular_file(ignored))
+            files.push_back(entry->path().string());
+    }
+    if (fault)
+        throw Failure(fmt::format("{}: cannot read the folder: {}", folder, fault.message()));
+    if (files.empty())
+        throw Failure(fmt::format("{}: no file in the folder, expected *.csv or *.tsv", folder));
+    return files;
+}
+
+std::vector<std::string> filesOfPattern(const std::string& pattern)
+{
+    glob_t found{};
+    const int fault = ::glob(pattern.c_str(), 0, nullptr, &found);
+    const std::vector<std::string> files(found.gl_pathv, found.gl_pathv + (fault == 0 ? found.gl_pathc : 0));
+    ::globfree(&found);
+    if (files.empty())
+        throw Failure(fmt::format("{}: no file has such a name", pattern));
+    return files;
+}
+
+}  // namespace
+
+std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, const std::string& outputPath)
+{
+    std::vector<std::string> files;
+    for (const std::string& argument : arguments) {
+        std::error_code ignored;
+        const bool isFolder = fs::is_directory(argument, ignored);
+        const bool isPattern = argument.find_first_of("*?[") != std::string::npos && !fs::exists(argument, ignored);
+        if (!isFolder && !isPattern) {
+            files.push_back(argument);
+            continue;
+        }
+        for (std::string& file : isFolder ? filesOfFolder(argument) : filesOfPattern(argument))
+            if (!isSameOutput(file, outputPath))
+                files.push_back(std::move(file));
+    }
+    std::sort(files.begin(), files.end());
+    files.erase(std::unique(files.begin(), files.end()), files.end());
+    return files;
+}
+
+std::uint32_t batchSeed(std::uint32_t seed, std::int64_t idx) noexcept
+{
+    std::uint32_t bits = seed + 2654435769U * (static_cast<std::uint32_t>(idx) + 1U);
+    bits = (bits ^ (bits >> 16)) * 0x85ebca6bU;          // the finishing steps of MurmurHash3
+    bits = (bits ^ (bits >> 13)) * 0xc2b2ae35U;
+    return bits ^ (bits >> 16);
+}
+
+}  // namespace esttform::app

@@ -1,0 +1,54 @@
+#include "estimate/block_run.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <utility>
+
+namespace esttform::app {
+
+namespace {
+
+/// Lets the C library draw from a state of its own for a while, and from the old one afterwards.
+class RandomAside {
+public:
+    RandomAside() noexcept : mOld(::initstate(1, mState.data(), mState.size())) {}
+    ~RandomAside() { ::setstate(mOld); }
+    RandomAside(const RandomAside&) = delete;
+    RandomAside& operator=(const RandomAside&) = delete;
+
+private:
+    std::array<char, 128> mState{};
+    char* mOld;
+};
+
+}  // namespace
+
+Estimator openEstimator(const BlockSetup& setup, const FrameSource& source, std::function<void(std::string_view)> trace)
+{
+    Options options = setup.options;
+    options.isVariableSize = source.isVariableSize();
+    options.trace = std::move(trace);
+    return Estimator(setup.params, setup.pointsType, source.maxPtsNum(), options);
+}
+
+void growEstimator(Estimator& estimator, const BlockSetup& setup, std::int32_t ptsNum,
+                   std::function<void(std::string_view)> trace)
+{
+    const RandomAside aside;                             // opening seeds
+    Options options = setup.options;
+    options.isVariableSize = true;
+    options.trace = std::move(trace);
+    const std::int64_t maxPtsNum = std::max<std::int64_t>(ptsNum, 2 * static_cast<std::int64_t>(estimator.maxPtsNum()));
+    const auto limit = static_cast<std::int64_t>(MatchReader::PAIR_MAX_NUM);
+    estimator = Estimator(setup.params, setup.pointsType, static_cast<std::int32_t>(std::min(maxPtsNum, limit)), options);
+}
+
+const StepResult& runStep(Estimator& estimator, const MatchFrame& frame)
+{
+    packPoints(frame.pairs, 0, estimator.pointsType(), estimator.layout(), estimator.pts1Buffer());
+    packPoints(frame.pairs, 1, estimator.pointsType(), estimator.layout(), estimator.pts2Buffer());
+    return estimator.step(static_cast<std::int32_t>(frame.pairs.size()));
+}
+
+}  // namespace esttform::app

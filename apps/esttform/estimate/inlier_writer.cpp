@@ -1,0 +1,19 @@
+#include "estimate/inlier_writer.h"
+
+namespace esttform::app {
+
+InlierWriter::InlierWriter(const std::string& path, const std::string& header) : mOutput(path, Unfinished::Keep)
+{
+    mOutput.write(header + ",inlier\n");
+}
+
+void InlierWriter::write(const MatchFrame& frame, const StepResult& result)
+{
+    for (std::size_t i = 0; i < frame.rows.size(); ++i) {
+        const bool isInlier = result.inliers != nullptr && result.inliers[i] != 0;
+        mOutput.write(frame.rows[i]);
+        mOutput.write(isInlier ? ",1\n" : ",0\n");
+    }
+}
+
+}  // namespace esttform::app

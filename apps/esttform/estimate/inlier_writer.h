@@ -1,0 +1,29 @@
+// InlierWriter: the rows of the input with one more column that says whether the block took the pair as an inlier.
+// Comma-separated whatever the input had; a header is made if there was none.
+#pragma once
+
+#include "matches/match_reader.h"
+#include "output/output_file.h"
+
+namespace esttform::app {
+
+class InlierWriter {
+public:
+    /// Opens the output and writes the header.
+    ///
+    /// @param header  of the input, comma-separated
+    /// @throws Failure  as OutputFile
+    InlierWriter(const std::string& path, const std::string& header);
+
+    /// Writes the rows of one step. A step that the block refused has no inliers.
+    ///
+    /// @param frame  read with keepRows
+    void write(const MatchFrame& frame, const StepResult& result);
+
+    void commit() { mOutput.commit(); }
+
+private:
+    OutputFile mOutput;
+};
+
+}  // namespace esttform::app
