@@ -2,7 +2,7 @@
 #pragma once
 
 #include "estimate/result_writer.h"
-#include "options/block_options.h"
+#include "options/block_settings.h"
 
 #include <cstdint>
 #include <string>

@@ -78,7 +78,7 @@ void addCheckOptions(CLI::App& command, CheckOptions& o)
     command.add_option("--seed", o.seed, "seed of the random checks (default: another one each time; it is printed)")
         ->check(wholeBetween(0, std::numeric_limits<std::uint32_t>::max()))->type_name("N")->group(CHECKS);
     command.add_option("--timeout", o.timeout, "seconds that each check may take (default 10)")
-        ->check(realBetween(0.001, TIMEOUT_MAX, "seconds"))->type_name("S")->group(CHECKS);
+        ->check(realWithin({0.001, TIMEOUT_MAX, "seconds"}))->type_name("S")->group(CHECKS);
     command.add_option("--format", o.format, "text, or json for one object (default text)")
         ->check(oneOf({"text", "json"}))->type_name("FORMAT")->group("Output");
     command.footer("Exit codes: 0 all checks passed, 1 not all; others as for every command.");

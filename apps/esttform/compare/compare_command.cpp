@@ -82,12 +82,12 @@ void addCompareOptions(CLI::App& command, CompareOptions& o)
     command.add_option("--matches", o.matchesPath, "the matches, to compare the inliers with the pairs that are right by the truth")
         ->type_name("FILE")->group(INPUT);
     command.add_option("--right-px", o.rightPx, "farthest that a right pair lies from the truth, in pixels (default 3)")
-        ->check(realBetween(0.0, std::numeric_limits<double>::infinity(), "pixels"))->type_name("PX")->group(INPUT);
+        ->check(realWithin({0.0, std::numeric_limits<double>::infinity(), "pixels"}))->type_name("PX")->group(INPUT);
     const char* const OUTPUT = "Output";
     command.add_option("--tolerance", o.tolerance,
                        "exit with 1 if the corner distance of a step (mean of the four corners) is larger, in pixels, or if only "
                        "one of the results has it")
-        ->check(realBetween(0.0, std::numeric_limits<double>::infinity(), "pixels"))->type_name("PX")->group(OUTPUT);
+        ->check(realWithin({0.0, std::numeric_limits<double>::infinity(), "pixels"}))->type_name("PX")->group(OUTPUT);
     command.add_flag("--ignore-missing", o.isMissingIgnored, "steps with a transformation in one result only do not exceed "
                                                              "the tolerance")->group(OUTPUT);
     command.add_option("--format", o.format, "text or json (default text)")

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "matches/points.h"
-#include "options/block_options.h"
+#include "options/block_settings.h"
 
 #include <cstdint>
 #include <optional>

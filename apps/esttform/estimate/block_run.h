@@ -2,7 +2,7 @@
 #pragma once
 
 #include "matches/frame_source.h"
-#include "options/block_options.h"
+#include "options/block_settings.h"
 
 #include <functional>
 #include <string_view>

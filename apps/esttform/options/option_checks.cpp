@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
 
 namespace esttform::app {
 
@@ -24,14 +23,11 @@ CLI::Validator check(const std::string& name, const std::string& expected, Admit
 
 }  // namespace
 
-CLI::Validator realBetween(double lowest, double highest, const std::string& unit)
+CLI::Validator realWithin(const RealRange& range)
 {
-    const std::string range = highest == std::numeric_limits<double>::infinity()
-                                  ? fmt::format("a number of at least {}", lowest)
-                                  : fmt::format("a number from {} to {}", lowest, highest);
-    return check("REAL", unit.empty() ? range : fmt::format("{} ({})", range, unit), [=](const std::string& text) {
+    return check("REAL", range.text(), [range](const std::string& text) {
         const auto value = parseReal(text);
-        return value && *value >= lowest && *value <= highest;
+        return value && range.admits(*value);
     });
 }
 

@@ -2,6 +2,8 @@
 // An option that fails reports "--option: got 140, expected a number from 0 to 100 (percent)".
 #pragma once
 
+#include "options/real_range.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -9,8 +11,8 @@
 
 namespace esttform::app {
 
-/// Admits a real number from `lowest` to `highest`; NaN fails. `unit` stands in the message, empty for none.
-CLI::Validator realBetween(double lowest, double highest, const std::string& unit);
+/// Admits a real number of the range; NaN fails.
+CLI::Validator realWithin(const RealRange& range);
 
 /// Admits a whole number from `lowest` to `highest`, written in digits.
 CLI::Validator wholeBetween(std::int64_t lowest, std::int64_t highest);

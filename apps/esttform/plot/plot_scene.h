@@ -2,7 +2,7 @@
 #pragma once
 
 #include "matches/match_reader.h"
-#include "options/block_options.h"
+#include "options/block_settings.h"
 #include "plot/plot.h"
 
 #include <memory>

@@ -92,7 +92,7 @@ void addRegisterOptions(CLI::App& command, RegisterOptions& o)
     command.add_option("--ratio", o.features.ratioMax,
                        fmt::format("a match is kept if it is nearer than this times the second best (default {})",
                                    o.features.ratioMax))
-        ->check(realBetween(0.0, 1.0, ""))->type_name("R")->group(INPUT);
+        ->check(realWithin({0.0, 1.0, ""}))->type_name("R")->group(INPUT);
     addBlockOptions(command, o.block);
     const char* const OUTPUT = "Output";
     command.add_option("--format", o.format, "text, json or csv, as 'estimate' writes them (default text)")

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "diagnosis/diagnosis.h"
-#include "options/block_options.h"
+#include "options/block_settings.h"
 #include "output/warnings.h"
 #include "plot/plot.h"
 
