@@ -158,12 +158,12 @@ TEST(NotFoundTest, NamesWhatIsWrongWithThePairs)
     for (const auto& [pairs, text] : cases) {
         MatchFrame frame;
         frame.pairs = pairs;
-        EXPECT_EQ(reasonNotFound(frame, setup), text);
+        EXPECT_EQ(reasonNotFound(frame.pairs, setup), text);
     }
     setup.transformType = 1;
     MatchFrame frame;
     frame.pairs = {a, a, {0, 0, 7, 7}};
-    EXPECT_EQ(reasonNotFound(frame, setup), "the first points are at only 1 different place, 2 are needed");
+    EXPECT_EQ(reasonNotFound(frame.pairs, setup), "the first points are at only 1 different place, 2 are needed");
 }
 
 }  // namespace

@@ -152,11 +152,11 @@ BatchEntry BatchEstimator::estimateFile(const std::string& file, std::uint32_t s
     if (result.error)
         warn(fmt::format("{}: {}", result.error->id, result.error->text));
     else if (!result.isFound())
-        warn(fmt::format("no {} transformation found: {}", mSetup.typeText(), reasonNotFound(frame, mSetup)));
+        warn(fmt::format("no {} transformation found: {}", mSetup.typeText(), reasonNotFound(frame.pairs, mSetup)));
     std::optional<Diagnosis> diagnosis;
     if (mIsDiagnosed)
         diagnosis = diagnose(frame.pairs, result, mEstimator->layout(), mSetup,
-                             result.isFound() || result.error ? "" : reasonNotFound(frame, mSetup));
+                             result.isFound() || result.error ? "" : reasonNotFound(frame.pairs, mSetup));
     if (diagnosis && result.isFound() && !diagnosis->isTrusted())
         warn(fmt::format("not to be trusted: {}", warningCodes(*diagnosis)));
     return {result.isFound() ? BatchOutcome::Found : BatchOutcome::NotFound,

@@ -17,10 +17,10 @@ using Point = std::array<double, 2>;
 /// Points whose distance from a line is below this share of the set's extent lie on it.
 constexpr double ON_LINE_SHARE = 1e-9;
 
-std::vector<Point> finitePoints(const MatchFrame& frame, std::size_t setIdx)
+std::vector<Point> finitePoints(const std::vector<Pair>& pairs, std::size_t setIdx)
 {
     std::vector<Point> points;
-    for (const Pair& pair : frame.pairs)
+    for (const Pair& pair : pairs)
         if (isFinite(pair))
             points.push_back({pair[2 * setIdx], pair[2 * setIdx + 1]});
     return points;
@@ -55,20 +55,20 @@ std::string faultOf(std::vector<Point> points, const char* setName, const BlockS
 
 }  // namespace
 
-std::string reasonNotFound(const MatchFrame& frame, const BlockSetup& setup)
+std::string reasonNotFound(const std::vector<Pair>& pairs, const BlockSetup& setup, OptionSpelling spelling)
 {
-    const std::vector<Point> firstPoints = finitePoints(frame, 0);
+    const std::vector<Point> firstPoints = finitePoints(pairs, 0);
     const auto finiteNum = static_cast<std::int64_t>(firstPoints.size());
     if (finiteNum < std::max(1, setup.sampleSize()))
         return fmt::format("{} with finite coordinates, {} are needed", counted(finiteNum, "pair"), setup.sampleSize());
     if (const std::string fault = faultOf(firstPoints, "first", setup); !fault.empty())
         return fault;
-    if (const std::string fault = faultOf(finitePoints(frame, 1), "second", setup); !fault.empty())
+    if (const std::string fault = faultOf(finitePoints(pairs, 1), "second", setup); !fault.empty())
         return fault;
     if (!setup.isRobust)
         return "the fit to all pairs failed";
-    return fmt::format("no candidate with {} inliers, or the first sample could not be fitted; try another --seed, a "
-                       "larger --threshold-px or another --type", setup.sampleSize());
+    return fmt::format("no candidate with {} inliers, or the first sample could not be fitted; try another {}, a larger {} or another {}",
+                       setup.sampleSize(), spelling("seed"), spelling("threshold-px"), spelling("type"));
 }
 
 }  // namespace esttform::app

@@ -32,16 +32,26 @@ Estimator openEstimator(const BlockSetup& setup, const FrameSource& source, std:
     return Estimator(setup.params, setup.pointsType, source.maxPtsNum(), options);
 }
 
+std::int32_t grownPtsNum(std::int32_t room, std::int32_t ptsNum) noexcept
+{
+    const std::int64_t wanted = std::max<std::int64_t>(ptsNum, 2 * static_cast<std::int64_t>(room));
+    return static_cast<std::int32_t>(std::min(wanted, static_cast<std::int64_t>(MatchReader::PAIR_MAX_NUM)));
+}
+
 void growEstimator(Estimator& estimator, const BlockSetup& setup, std::int32_t ptsNum,
                    std::function<void(std::string_view)> trace)
+{
+    reopenEstimator(estimator, setup, grownPtsNum(estimator.maxPtsNum(), ptsNum), std::move(trace));
+}
+
+void reopenEstimator(Estimator& estimator, const BlockSetup& setup, std::int32_t maxPtsNum,
+                     std::function<void(std::string_view)> trace)
 {
     const RandomAside aside;                             // opening seeds
     Options options = setup.options;
     options.isVariableSize = true;
     options.trace = std::move(trace);
-    const std::int64_t maxPtsNum = std::max<std::int64_t>(ptsNum, 2 * static_cast<std::int64_t>(estimator.maxPtsNum()));
-    const auto limit = static_cast<std::int64_t>(MatchReader::PAIR_MAX_NUM);
-    estimator = Estimator(setup.params, setup.pointsType, static_cast<std::int32_t>(std::min(maxPtsNum, limit)), options);
+    estimator = Estimator(setup.params, setup.pointsType, maxPtsNum, options);
 }
 
 const StepResult& runStep(Estimator& estimator, const MatchFrame& frame)

@@ -138,7 +138,7 @@ ExitCode runEstimate(const EstimateOptions& o)
         std::optional<Diagnosis> diagnosis;
         if (isDiagnosed)
             diagnosis = diagnose(frame->pairs, result, layout, setup,
-                                 result.isFound() || result.error ? "" : reasonNotFound(*frame, setup));
+                                 result.isFound() || result.error ? "" : reasonNotFound(frame->pairs, setup));
         const InterruptionHold hold;                     // a step is written to all its outputs or to none
         writer.write(label, result, diagnosis && isDiagnosisWritten ? &*diagnosis : nullptr);
         if (source.isStreamed())
@@ -156,7 +156,7 @@ ExitCode runEstimate(const EstimateOptions& o)
             ++foundNum;
         else if (!result.error)
             warnings.print(whereOf(label, reader), fmt::format("no {} transformation found: {}", setup.typeText(),
-                                                               reasonNotFound(*frame, setup)));
+                                                               reasonNotFound(frame->pairs, setup)));
         if (diagnosis && result.isFound())
             for (const DiagnosisNote& note : diagnosis->warnings)
                 warnings.print(whereOf(label, reader), fmt::format("not to be trusted: {}: {}", note.title, note.text));

@@ -142,7 +142,7 @@ ExitCode runRegister(const RegisterOptions& o)
     if (o.format == "text")
         output.write(counts + "\n");
     const Diagnosis diagnosis = diagnose(frame.pairs, result, layout, setup,
-                                         result.isFound() || result.error ? "" : reasonNotFound(frame, setup));
+                                         result.isFound() || result.error ? "" : reasonNotFound(frame.pairs, setup));
     ResultWriter(formatOf(o.format), {name, setup.typeText(), layout, false}, output).write({}, result,
                                                                                             o.format == "text" ? &diagnosis : nullptr);
     Warnings warnings(o.isQuiet);

@@ -85,7 +85,7 @@ std::string refusalOf(const StepResult& result, const MatchFrame& frame, const B
     if (result.error)
         return fmt::format("{}: {}", result.error->id, result.error->text);
     if (!result.isFound())
-        return fmt::format("no {} transformation found: {}", setup.typeText(), reasonNotFound(frame, setup));
+        return fmt::format("no {} transformation found: {}", setup.typeText(), reasonNotFound(frame.pairs, setup));
     if (result.inliers != nullptr && result.inlierNum < minInlierNum)
         return fmt::format("{}, expected at least {} (--min-inliers)", counted(result.inlierNum, "inlier"), minInlierNum);
     return {};

@@ -1,0 +1,25 @@
+"""What can go wrong. Wrong shapes and values are ValueError, wrong types TypeError; these classes are the rest."""
+
+
+class EsttformError(Exception):
+    """Base of the exceptions of this package."""
+
+
+class SettingsError(EsttformError, ValueError):
+    """A setting out of range, a contradiction, a file that cannot be read; the text says what was expected."""
+
+
+class ClosedError(EsttformError, ValueError):
+    """An operation on a closed estimator."""
+
+
+class StepError(EsttformError):
+    """The block refused a step; the text begins with the identifier of its message."""
+
+
+class LoadError(EsttformError, OSError):
+    """The block's library could not be loaded."""
+
+
+class InternalError(EsttformError, RuntimeError):
+    """A fault of this system."""

@@ -1,0 +1,60 @@
+// esttform._core: the block for Python. The package's own modules wrap it; its names are not for users.
+#include "blockhost/codegen.h"
+#include "batch/batch_files.h"
+#include "errors.h"
+#include "match_file.h"
+#include "running_block.h"
+#include "settings.h"
+
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+namespace py = pybind11;
+
+namespace esttform::python {
+
+namespace {
+
+/// Sources by name, as 'esttform codegen' writes them.
+py::dict generate(std::int32_t maxPtsNum, const py::object& dtype, const std::string& layout, const std::string& name,
+                  bool isVariableSize, bool withMain, const py::dict& keywords)
+{
+    const Layout blockLayout = conventionOf(layout) == Convention::Rows ? Layout::Rows : Layout::Columns;
+    const app::BlockSetup setup = settingsOf(keywords, typeOfDtype(py::dtype::from_args(dtype), "dtype"), blockLayout);
+    CodeOptions options;
+    options.name = name;
+    options.isVariableSize = isVariableSize;
+    options.withMain = withMain;
+    options.blockPath = setup.options.blockPath;
+    py::dict files;
+    for (const GeneratedFile& file : generateCode(setup.params, setup.pointsType, maxPtsNum, options))
+        files[py::str(file.name)] = file.text;
+    return files;
+}
+
+}  // namespace
+
+}  // namespace esttform::python
+
+PYBIND11_MODULE(_core, module)
+{
+    using namespace esttform::python;
+    module.attr("__version__") = ESTTFORM_VERSION;
+    addErrors();
+    module.def("estimate", &estimateOnce, py::arg("pts1"), py::arg("pts2"), py::arg("layout"), py::arg("settings"));
+    module.def("generate_code", &generate, py::arg("max_points"), py::arg("dtype"), py::arg("layout"), py::arg("name"),
+               py::arg("variable_size"), py::arg("with_main"), py::arg("settings"));
+    module.def("read_matches", &readMatches, py::arg("path"), py::arg("dtype"), py::arg("columns"));
+    module.def("batch_seed", &esttform::app::batchSeed, py::arg("seed"), py::arg("index"));
+    py::class_<RunningBlock>(module, "RunningBlock")
+        .def(py::init<const py::dict&, const std::string&, const py::object&, std::optional<std::int32_t>>(), py::arg("settings"),
+             py::arg("layout"), py::arg("dtype"), py::arg("max_points"))
+        .def("step", &RunningBlock::step, py::arg("pts1"), py::arg("pts2"), py::arg("seed"))
+        .def("set_param", &RunningBlock::setParam, py::arg("key"), py::arg("value"))
+        .def("close", &RunningBlock::close)
+        .def_property_readonly("pts1", &RunningBlock::pts1)
+        .def_property_readonly("pts2", &RunningBlock::pts2)
+        .def_property_readonly("room", &RunningBlock::room)
+        .def_property_readonly("params", &RunningBlock::params)
+        .def_property_readonly("is_open", &RunningBlock::isOpen);
+}

@@ -1,0 +1,159 @@
+#include "point_array.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace esttform::python {
+
+namespace py = pybind11;
+
+namespace {
+
+constexpr std::array<const char*, 8> DTYPE_NAMES{"float64", "float32", "int8", "uint8", "int16", "uint16", "int32", "uint32"};
+
+/// An array whatever was given; a sequence of numbers becomes an array of doubles.
+py::array arrayOf(const py::object& points, const char* name)
+{
+    if (py::isinstance<py::array>(points))
+        return py::reinterpret_borrow<py::array>(points);
+    if (points.is_none() || py::isinstance<py::str>(points))
+        throw py::type_error(fmt::format("{}: got {}, expected an array of points", name,
+                                         std::string(py::str(py::type::of(points).attr("__name__")))));
+    if (py::hasattr(points, "__array__"))
+        return py::module_::import("numpy").attr("asarray")(points);
+    return py::module_::import("numpy").attr("asarray")(points, "float64");
+}
+
+}  // namespace
+
+const char* dtypeName(DataType type) noexcept
+{
+    return DTYPE_NAMES[static_cast<std::size_t>(type)];
+}
+
+DataType typeOfDtype(const py::dtype& dtype, const std::string& name)
+{
+    const char kind = dtype.kind();
+    const auto size = static_cast<std::size_t>(dtype.itemsize());
+    for (std::size_t i = 0; i < DTYPE_NAMES.size(); ++i)
+        if (kind == (DTYPE_NAMES[i][0] == 'f' ? 'f' : DTYPE_NAMES[i][0]) && size == sizeOf(static_cast<DataType>(i)))
+            return static_cast<DataType>(i);
+    throw py::type_error(fmt::format("{}: got elements of type {}, expected one of {}; convert with astype", name,
+                                     std::string(py::str(static_cast<const py::object&>(dtype))), fmt::join(DTYPE_NAMES, ", ")));
+}
+
+Convention conventionOf(const std::string& word)
+{
+    if (word == "rows")
+        return Convention::Rows;
+    if (word == "columns")
+        return Convention::Columns;
+    throw py::value_error(fmt::format("layout: got '{}', expected rows (N-by-2) or columns (2-by-N)", word));
+}
+
+PointArray::PointArray(const py::object& points, const char* name, std::optional<Convention> convention)
+    : mName(name), mArray(arrayOf(points, name))
+{
+    mType = typeOfDtype(mArray.dtype(), name);
+    if (mArray.dtype().attr("isnative").cast<bool>() == false)
+        mArray = py::array(mArray.attr("astype")(dtypeName(mType)));
+    const bool isRows = mArray.ndim() == 2 && mArray.shape(1) == 2;
+    const bool isColumns = mArray.ndim() == 2 && mArray.shape(0) == 2;
+    if (!isRows && !isColumns)
+        throw py::value_error(fmt::format("{}: got shape {}, expected N-by-2 or 2-by-N", name, shapeText()));
+    mConvention = convention.value_or(isRows ? Convention::Rows : Convention::Columns);
+    if (mConvention == Convention::Rows ? !isRows : !isColumns)
+        throw py::value_error(fmt::format("{}: got shape {}, expected {}", name, shapeText(),
+                                          mConvention == Convention::Rows ? "N-by-2" : "2-by-N"));
+    const int pointAxis = mConvention == Convention::Rows ? 0 : 1;
+    if (mArray.shape(pointAxis) > std::numeric_limits<std::int32_t>::max())
+        throw py::value_error(fmt::format("{}: got {} points, more than the block can count", name, mArray.shape(pointAxis)));
+    mNum = static_cast<std::int32_t>(mArray.shape(pointAxis));
+    mPointStride = mArray.strides(pointAxis);
+    mCoordinateStride = mArray.strides(1 - pointAxis);
+}
+
+std::string PointArray::shapeText() const
+{
+    return std::string(py::str(static_cast<const py::object&>(mArray).attr("shape")));
+}
+
+std::optional<Layout> PointArray::layoutInPlace() const noexcept
+{
+    const auto size = static_cast<std::ptrdiff_t>(sizeOf(mType));
+    if (reinterpret_cast<std::uintptr_t>(data()) % sizeOf(mType) != 0)
+        return {};
+    if (mCoordinateStride == size && (mPointStride == 2 * size || mNum <= 1))
+        return Layout::Columns;
+    if (mPointStride == size && mCoordinateStride == size * mNum)
+        return Layout::Rows;
+    return {};
+}
+
+/// Calls function(zero of the element type, reader), where reader(point, coordinate) gives the element.
+template <typename Function>
+auto PointArray::withElements(Function function) const noexcept
+{
+    const auto with = [&](auto zero) {
+        const auto* const first = static_cast<const char*>(data());
+        return function(zero, [=](std::int32_t point, int coordinate) {
+            decltype(zero) element;
+            std::memcpy(&element, first + point * mPointStride + coordinate * mCoordinateStride, sizeof element);
+            return element;
+        });
+    };
+    switch (mType) {
+        case DataType::Double: return with(double{});
+        case DataType::Single: return with(float{});
+        case DataType::Int8: return with(std::int8_t{});
+        case DataType::Uint8: return with(std::uint8_t{});
+        case DataType::Int16: return with(std::int16_t{});
+        case DataType::Uint16: return with(std::uint16_t{});
+        case DataType::Int32: return with(std::int32_t{});
+        case DataType::Uint32: break;
+    }
+    return with(std::uint32_t{});
+}
+
+void PointArray::copyTo(void* points, Layout layout) const noexcept
+{
+    if (layoutInPlace() == layout) {
+        std::memcpy(points, data(), 2 * static_cast<std::size_t>(mNum) * sizeOf(mType));
+        return;
+    }
+    const std::int32_t pointStep = layout == Layout::Columns ? 2 : 1;
+    const std::int32_t yOffset = layout == Layout::Columns ? 1 : mNum;
+    withElements([&](auto zero, auto element) {
+        auto* const out = static_cast<decltype(zero)*>(points);
+        for (std::int32_t i = 0; i < mNum; ++i) {
+            out[std::ptrdiff_t{i} * pointStep] = element(i, 0);
+            out[std::ptrdiff_t{i} * pointStep + yOffset] = element(i, 1);
+        }
+    });
+}
+
+std::optional<std::int32_t> PointArray::firstNonFinite() const noexcept
+{
+    return withElements([&](auto zero, auto element) -> std::optional<std::int32_t> {
+        if constexpr (std::is_floating_point_v<decltype(zero)>)
+            for (std::int32_t i = 0; i < mNum; ++i)
+                if (!std::isfinite(element(i, 0)) || !std::isfinite(element(i, 1)))
+                    return i;
+        return {};
+    });
+}
+
+double PointArray::at(std::int32_t point, int coordinate) const noexcept
+{
+    return withElements([&](auto, auto element) { return static_cast<double>(element(point, coordinate)); });
+}
+
+}  // namespace esttform::python
