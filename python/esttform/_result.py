@@ -39,11 +39,13 @@ class Result:
         "similarity", "affine" or "projective".
     layout : str
         "rows" or "columns": the convention of the points.
+    pair_num : int
+        How many pairs there were.
     reason : str or None
         Why nothing was found; None when something was.
     """
 
-    __slots__ = ("tform", "inliers", "inlier_num", "warnings", "type", "layout", "reason", "_pts1", "_pts2")
+    __slots__ = ("tform", "inliers", "inlier_num", "warnings", "type", "layout", "pair_num", "reason", "_pts1", "_pts2")
 
     def __init__(
         self,
@@ -53,6 +55,7 @@ class Result:
         warnings: tuple[Message, ...],
         type: str,
         layout: str,
+        pair_num: int,
         reason: str | None = None,
         pts1: ArrayLike | None = None,
         pts2: ArrayLike | None = None,
@@ -63,6 +66,7 @@ class Result:
         self.warnings = warnings
         self.type = type
         self.layout = layout
+        self.pair_num = pair_num
         self.reason = reason
         self._pts1 = pts1
         self._pts2 = pts2
@@ -150,17 +154,17 @@ class Result:
 
     def without_points(self) -> Result:
         """The same without the points that `plot` draws, which a result keeps alive."""
-        return Result(self.tform, self.inliers, self.inlier_num, self.warnings, self.type, self.layout, self.reason)
+        return Result(self.tform, self.inliers, self.inlier_num, self.warnings, self.type, self.layout, self.pair_num, self.reason)
 
     def _refuse_none(self) -> None:
         if not self.found:
             raise ValueError(f"no {self.type} transformation was found: {self.reason}")
 
     def __reduce__(self) -> tuple[Any, ...]:
-        return Result, (self.tform, self.inliers, self.inlier_num, self.warnings, self.type, self.layout, self.reason)
+        return Result, (self.tform, self.inliers, self.inlier_num, self.warnings, self.type, self.layout, self.pair_num, self.reason)
 
     def __repr__(self) -> str:
         if not self.found:
             return f"<Result: no {self.type} transformation found: {self.reason}>"
-        share = "" if self.inliers is None else f", {self.inlier_num} of {len(self.inliers)} pairs inliers"
-        return f"<Result: {self.type}{share}>"
+        share = "" if self.inlier_num is None else f"{self.inlier_num} of "
+        return f"<Result: {self.type}, {share}{self.pair_num} pairs{' inliers' if share else ''}>"

@@ -1,6 +1,6 @@
 // esttform._core: the block for Python. The package's own modules wrap it; its names are not for users.
 #include "blockhost/codegen.h"
-#include "batch/batch_files.h"
+#include "batch/batch_seed.h"
 #include "errors.h"
 #include "match_file.h"
 #include "running_block.h"

@@ -1,7 +1,7 @@
 #include "running_block.h"
 
 #include "errors.h"
-#include "estimate/block_run.h"
+#include "estimate/reopening.h"
 #include "settings.h"
 #include "step_outcome.h"
 

@@ -45,7 +45,7 @@ py::array tformArray(const std::array<double, 9>& tform, int rowNum, int colNum,
 
 }  // namespace
 
-StepOutcome::StepOutcome(const app::BlockSetup& setup, std::int32_t ptsNum)
+StepOutcome::StepOutcome(const app::BlockSetup& setup, std::int32_t ptsNum) : mPtsNum(ptsNum)
 {
     if (!setup.hasInlierOutput)
         return;
@@ -90,7 +90,7 @@ py::object StepOutcome::toResult(const py::object& pts1, const py::object& pts2,
     const py::object inlierNum = mMask ? py::object(py::int_(mInlierNum)) : py::none();
     const py::object reason = mReason.empty() ? py::none() : py::object(py::str(mReason));
     return resultClass("Result")(tform(convention), mask, inlierNum, warnings, setup.typeText(),
-                                 convention == Convention::Rows ? "rows" : "columns", reason, pts1, pts2);
+                                 convention == Convention::Rows ? "rows" : "columns", mPtsNum, reason, pts1, pts2);
 }
 
 }  // namespace esttform::python

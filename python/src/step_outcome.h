@@ -29,6 +29,7 @@ public:
 private:
     pybind11::array tform(Convention convention) const;
 
+    std::int32_t mPtsNum;
     std::optional<pybind11::array_t<bool>> mMask;
     bool* mMaskData = nullptr;
     std::array<double, 9> mTForm{};         // column by column; every single is exact in a double

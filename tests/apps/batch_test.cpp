@@ -1,5 +1,6 @@
 // Many files by several processes: what stands in the results, and what becomes of them when something goes wrong.
 #include "batch/batch_files.h"
+#include "batch/batch_seed.h"
 #include "output/progress.h"
 #include "program.h"
 

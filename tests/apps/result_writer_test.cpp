@@ -1,5 +1,6 @@
 // The three output formats, on results made by hand.
 #include "diagnosis/not_found.h"
+#include "matches/match_reader.h"
 #include "estimate/result_writer.h"
 
 #include "failure.h"

@@ -2,6 +2,7 @@
 
 #include "batch/batch_entry.h"
 #include "batch/batch_files.h"
+#include "batch/batch_seed.h"
 #include "batch/batch_results.h"
 #include "batch/worker_pool.h"
 #include "interruption.h"

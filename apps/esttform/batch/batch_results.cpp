@@ -1,6 +1,7 @@
 #include "batch/batch_results.h"
 
 #include "batch/batch_files.h"
+#include "batch/batch_seed.h"
 #include "failure.h"
 #include "interruption.h"
 #include "number_text.h"
