@@ -26,6 +26,14 @@ from esttform._many import estimate_many, item_seed
 from esttform._matches import read_matches
 from esttform._result import Message, Result
 
+# People know these by the name of the package.
+for _part in (
+    ClosedError, EsttformError, Estimator, InternalError, LoadError, Message, Result, SettingsError, StepError,
+    as_tform, estimate, estimate_many, generate_code, item_seed, read_matches, to_homography,
+):
+    _part.__module__ = __name__
+del _part
+
 __all__ = [
     "ClosedError", "EsttformError", "Estimator", "InternalError", "LoadError", "Message", "Result", "SettingsError", "StepError",
     "as_tform", "estimate", "estimate_many", "generate_code", "item_seed", "read_matches", "to_homography", "__version__",

@@ -13,8 +13,8 @@ class ClosedError(EsttformError, ValueError):
     """An operation on a closed estimator."""
 
 
-class StepError(EsttformError):
-    """The block refused a step; the text begins with the identifier of its message."""
+class StepError(EsttformError, ValueError):
+    """The block refused a step, for example too few points; the text begins with the identifier of its message."""
 
 
 class LoadError(EsttformError, OSError):

@@ -17,7 +17,15 @@ def settings_of(type: str, settings: dict[str, Any]) -> dict[str, Any]:
     return settings
 
 
-def estimate(pts1: ArrayLike, pts2: ArrayLike, type: str = "projective", *, layout: str | None = None, **settings: Any) -> Result:
+def estimate(
+    pts1: ArrayLike,
+    pts2: ArrayLike,
+    type: str = "projective",
+    *,
+    layout: str | None = None,
+    order: str | None = None,
+    **settings: Any,
+) -> Result:
     """Estimates the transformation that maps points onto matched ones, in spite of wrong matches.
 
     Parameters
@@ -29,6 +37,10 @@ def estimate(pts1: ArrayLike, pts2: ArrayLike, type: str = "projective", *, layo
         What is estimated; a similarity is without reflection.
     layout : {"rows", "columns"}, optional
         N-by-2 or 2-by-N; taken from the shape when not given, and 2-by-2 is N-by-2.
+    order : {"C", "F"}, optional
+        Memory order in which the block reads the points; taken from the arrays when not given, "C" for arrays in neither order.
+        N-by-2 in C order is what the program reads with ``--layout columns``, its default; in F order ``--layout rows``; for
+        2-by-N it is the other way round. The block sums in the order of memory: the last bits differ.
     robust : bool
         False: one least-squares fit to all pairs, wrong ones included. Default True.
     method : {"threshold", "median"}
@@ -87,7 +99,7 @@ def estimate(pts1: ArrayLike, pts2: ArrayLike, type: str = "projective", *, layo
            [0., 2.],
            [0., 0.]])
     """
-    return _core.estimate(pts1, pts2, layout, settings_of(type, settings))
+    return _core.estimate(pts1, pts2, layout, order, settings_of(type, settings))
 
 
 class Estimator:
@@ -103,6 +115,8 @@ class Estimator:
         Element type of the points of all steps.
     layout : {"rows", "columns"}
         N-by-2 or 2-by-N.
+    order : {"C", "F"}
+        Memory order in which the block reads the points, whatever order they come in; see `estimate`.
     **settings
         As of `estimate`. `seed` starts the random numbers when the estimator is opened.
 
@@ -114,7 +128,7 @@ class Estimator:
     Notes
     -----
     A block reads its points at one place for as long as it is open, so that `step` copies them there. Who writes the points to
-    `pts1` and `pts2` from the start saves the copy. One estimator may be used by several threads: steps take turns.
+    `pts1` and `pts2` from the start saves the copy, where x and y lie side by side: N-by-2 in C, 2-by-N in F order. One estimator may be used by several threads: steps take turns.
 
     Examples
     --------
@@ -135,9 +149,10 @@ class Estimator:
         max_points: int | None = None,
         dtype: DTypeLike = "float64",
         layout: str = "rows",
+        order: str = "C",
         **settings: Any,
     ) -> None:
-        self._block = _core.RunningBlock(settings_of(type, settings), layout, dtype, max_points)
+        self._block = _core.RunningBlock(settings_of(type, settings), layout, order, dtype, max_points)
         self._is_rows = layout == "rows"
 
     def step(self, pts1: ArrayLike, pts2: ArrayLike, *, seed: int | None = None) -> Result:
@@ -162,7 +177,7 @@ class Estimator:
         return self._block.step(pts1, pts2, seed)
 
     def step_in_place(self, points: int, *, seed: int | None = None) -> Result:
-        """One estimate over the first points of `pts1` and `pts2`, which are read where they are.
+        """One estimate over the first points of `pts1` and `pts2`, where they are.
 
         Parameters
         ----------
@@ -185,12 +200,12 @@ class Estimator:
 
     @property
     def pts1(self) -> NDArray[Any]:
-        """The block's own array of first points, `max_points` long; other arrays take its place when it grows."""
+        """The estimator's own array of first points, `max_points` long; another takes its place when it grows."""
         return self._block.pts1
 
     @property
     def pts2(self) -> NDArray[Any]:
-        """The block's own array of second points."""
+        """The estimator's own array of second points."""
         return self._block.pts2
 
     @property

@@ -7,7 +7,7 @@ import os
 import sys
 from concurrent.futures import FIRST_COMPLETED, Future, ProcessPoolExecutor, wait
 from concurrent.futures.process import BrokenProcessPool
-from itertools import islice
+from itertools import chain, islice
 from typing import TYPE_CHECKING, Any, Iterable, Iterator, List, Sequence, Tuple, Union
 
 from esttform import _core
@@ -20,6 +20,8 @@ if TYPE_CHECKING:
 
 Item = Union[str, "os.PathLike[str]", "Tuple[ArrayLike, ArrayLike]"]
 Outcome = Union[Result, Exception]
+Chunk = Tuple[int, List[Tuple[int, Any]]]
+"""Position of a chunk, and its items with their seeds."""
 
 CHUNK_SIZE = 16
 """Items that a process gets at a time."""
@@ -36,7 +38,7 @@ def item_list(items: str | os.PathLike[str] | Iterable[Item]) -> Iterable[Item]:
     """The items themselves, or the files of a folder or a pattern, sorted by the bytes of their names."""
     if not isinstance(items, (str, os.PathLike)):
         return items
-    path = os.fspath(items)
+    path = str(os.fspath(items))
     if os.path.isdir(path):
         files = [os.path.join(path, name) for name in os.listdir(path) if name.lower().endswith((".csv", ".tsv"))]
         files = [file for file in files if os.path.isfile(file)]
@@ -44,7 +46,8 @@ def item_list(items: str | os.PathLike[str] | Iterable[Item]) -> Iterable[Item]:
         files = [path] if os.path.exists(path) else glob.glob(path)
     if not files:
         raise FileNotFoundError(f"{path}: no file has such a name")
-    return sorted(files, key=os.fsencode)
+    files.sort(key=os.fsencode)
+    return files
 
 
 class ItemEstimator:
@@ -175,33 +178,35 @@ def estimate_many(
     return [outcome for position in sorted(outcomes) for outcome in outcomes[position]]
 
 
-def _chunks(items: Iterator[Tuple[int, Item]]) -> Iterator[Tuple[int, List[Tuple[int, Item]]]]:
+def _chunks(items: Iterator[Tuple[int, Item]]) -> Iterator[Chunk]:
     position = 0
     while chunk := list(islice(items, CHUNK_SIZE)):
         yield position, chunk
         position += 1
 
 
-def _in_this_process(
-    arguments: Tuple[Any, ...], chunks: Iterator[Tuple[int, List[Tuple[int, Item]]]]
-) -> Iterator[Tuple[int, List[Outcome]]]:
+def _popped(chunks: List[Chunk]) -> Iterator[Chunk]:
+    while chunks:
+        yield chunks.pop()
+
+
+def _in_this_process(arguments: Tuple[Any, ...], chunks: Iterator[Chunk]) -> Iterator[Tuple[int, List[Outcome]]]:
     estimator = ItemEstimator(*arguments)
     for position, chunk in chunks:
         yield position, [estimator.outcome(item, seed) for seed, item in chunk]
 
 
-def _by_processes(
-    arguments: Tuple[Any, ...], chunks: Iterator[Tuple[int, List[Tuple[int, Item]]]], job_num: int
-) -> Iterator[Tuple[int, List[Outcome]]]:
+def _by_processes(arguments: Tuple[Any, ...], chunks: Iterator[Chunk], job_num: int) -> Iterator[Tuple[int, List[Outcome]]]:
     """Keeps two chunks a process under way, so that memory does not grow with the number of items."""
-    waiting: List[Tuple[int, List[Tuple[int, Item]]]] = []   # of a pool that lost a process
+    waiting: List[Chunk] = []                               # of a pool that lost a process
     for lost_num in range(LOST_MAX + 1):
-        running: dict[Future[List[Outcome]], Tuple[int, List[Tuple[int, Item]]]] = {}
+        running: dict[Future[List[Outcome]], Chunk] = {}
         try:
             with ProcessPoolExecutor(job_num, initializer=_start, initargs=(arguments,)) as pool:
                 try:
                     while True:
-                        while len(running) < 2 * job_num and (chunk := waiting.pop() if waiting else next(chunks, None)):
+                        room = 2 * job_num - len(running)
+                        for chunk in islice(chain(_popped(waiting), chunks), room):
                             running[pool.submit(_estimate_chunk, chunk[1])] = chunk
                         if not running:
                             return

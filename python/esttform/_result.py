@@ -2,7 +2,8 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, NamedTuple
+from dataclasses import dataclass
+from typing import TYPE_CHECKING, Any
 
 import numpy as np
 
@@ -12,8 +13,9 @@ if TYPE_CHECKING:
     from numpy.typing import ArrayLike, NDArray
 
 
-class Message(NamedTuple):
-    """A warning of the block."""
+@dataclass(frozen=True)
+class Message:
+    """A warning of the block, and how often the step raised it."""
 
     id: str
     text: str
@@ -127,7 +129,7 @@ class Result:
         mapped = np.column_stack([rows, np.ones(len(rows))]) @ self.as_homography().T.astype(np.float64)
         with np.errstate(divide="ignore", invalid="ignore"):
             mapped = mapped[:, :2] / mapped[:, 2:]
-        return mapped if self.layout == "rows" else mapped.T
+        return np.asarray(mapped if self.layout == "rows" else mapped.T)
 
     def plot(self, ax: Any = None) -> Any:
         """Draws the motion of every pair in the first picture: inliers as solid blue lines, the others dashed orange.

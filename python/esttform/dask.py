@@ -8,18 +8,18 @@ turns; start workers with one thread each.
 from __future__ import annotations
 
 from itertools import accumulate
-from typing import TYPE_CHECKING, Any, Iterable, List, Sequence, Tuple
+from typing import TYPE_CHECKING, Any, Callable, Iterable, List, Sequence, Tuple, cast
 
-import dask
-import dask.bag
-from dask.delayed import Delayed
+from dask.bag.core import Bag, from_delayed
+from dask.base import compute
+from dask.delayed import Delayed, delayed
 
 from esttform._estimate import Estimator
 from esttform._many import ItemEstimator, Outcome, item_list, item_seed
 
 if TYPE_CHECKING:
-    import dask.dataframe
     import pandas
+    from dask.dataframe.core import DataFrame
     from numpy.typing import DTypeLike
 
 PARTITION_SIZE = 64
@@ -37,7 +37,7 @@ def estimate_many(
     columns: Sequence[str] = (),
     errors: str = "raise",
     **settings: Any,
-) -> dask.bag.Bag:
+) -> Bag:
     """One estimate for each of many sets of matches, as a Dask bag.
 
     Nothing is estimated before the bag is computed; ``distributed.progress(results.persist())`` shows how far it is.
@@ -65,10 +65,11 @@ def estimate_many(
     [True, True, True]
     """
     parts = _estimated(items, npartitions, (type, dtype, layout, tuple(columns), settings), seed, errors)
-    return dask.bag.from_delayed([part for part, _ in parts])
+    results: Bag = from_delayed([part for part, _ in parts])
+    return results
 
 
-def estimate_frame(items: Any, type: str = "projective", **options: Any) -> dask.dataframe.DataFrame:
+def estimate_frame(items: Any, type: str = "projective", **options: Any) -> DataFrame:
     """The same as a Dask DataFrame, one row an item.
 
     Parameters
@@ -82,13 +83,13 @@ def estimate_frame(items: Any, type: str = "projective", **options: Any) -> dask
         Index: position of the item. Columns: found, pair_num, inlier_num (-1 without a mask), h00 to h22 (the 3-by-3 matrix that
         acts on column vectors, row by row), reason (why nothing was found), warnings (identifiers), error.
     """
-    import dask.dataframe
+    from dask.dataframe.io.io import from_delayed as frame_from_delayed
 
     take = {name: options.pop(name, default) for name, default in _DEFAULTS.items()}
     arguments = type, take["dtype"], take["layout"], tuple(take["columns"]), options
     parts = _estimated(items, take["npartitions"], arguments, take["seed"], take["errors"])
-    frames = [dask.delayed(_frame)(part, offset) for part, offset in parts]
-    return dask.dataframe.from_delayed(frames, meta=_frame([], 0))
+    frames = [delayed(_frame)(part, offset) for part, offset in parts]
+    return cast("DataFrame", frame_from_delayed(frames, meta=_frame([], 0)))
 
 
 _DEFAULTS = {"npartitions": None, "dtype": None, "layout": None, "columns": (), "seed": 0, "errors": "raise"}
@@ -100,15 +101,15 @@ def _estimated(
     """The delayed list of outcomes of every partition, with the position of its first item."""
     if errors not in ("raise", "return"):
         raise ValueError(f"errors: got {errors!r}, expected raise or return")
-    type, *_, settings = arguments
+    type, settings = arguments[0], arguments[-1]
     Estimator(type, max_points=4, **settings).close()       # wrong settings are refused before work is handed out
-    if isinstance(items, dask.bag.Bag):
+    if isinstance(items, Bag):
         parts = items.to_delayed()
-        sizes = dask.compute(*[dask.delayed(_size)(part) for part in parts])
+        sizes = compute(*[delayed(_size)(part) for part in parts])
     else:
         parts, sizes = _partitions(list(item_list(items)), npartitions)
     offsets = [0, *accumulate(sizes)]
-    estimate = dask.delayed(_estimate_part, pure=True)
+    estimate = delayed(_estimate_part, pure=True)
     return [(estimate(part, arguments, seed, offset, errors), offset) for part, offset in zip(parts, offsets)]
 
 
@@ -119,7 +120,7 @@ def _partitions(items: List[Any], npartitions: int | None) -> Tuple[List[Delayed
     bounds = [len(items) * idx // number for idx in range(number + 1)]
     chunks = [items[begin:end] for begin, end in zip(bounds, bounds[1:])]
     # A path or a pair of arrays is data; a delayed item is computed before its partition.
-    parts = [dask.delayed(_listed)(*chunk) if _has_delayed(chunk) else dask.delayed(chunk, traverse=False) for chunk in chunks]
+    parts = [delayed(_listed)(*chunk) if _has_delayed(chunk) else delayed(chunk, traverse=False) for chunk in chunks]
     return parts, [len(chunk) for chunk in chunks]
 
 
@@ -137,8 +138,8 @@ def _size(part: Iterable[Any]) -> int:
 
 def _estimate_part(part: Iterable[Any], arguments: Tuple[Any, ...], seed: int, offset: int, errors: str) -> List[Outcome]:
     estimator = ItemEstimator(*arguments)
-    estimate = estimator if errors == "raise" else estimator.outcome
-    return [estimate(item, item_seed(seed, offset + idx)) for idx, item in enumerate(part)]
+    estimate_one: Callable[[Any, int], Outcome] = estimator.outcome if errors == "return" else estimator.__call__
+    return [estimate_one(item, item_seed(seed, offset + idx)) for idx, item in enumerate(part)]
 
 
 def _frame(outcomes: List[Outcome], offset: int) -> pandas.DataFrame:

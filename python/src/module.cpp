@@ -16,7 +16,7 @@ namespace esttform::python {
 namespace {
 
 /// Sources by name, as 'esttform codegen' writes them.
-py::dict generate(std::int32_t maxPtsNum, const py::object& dtype, const std::string& layout, const std::string& name,
+py::dict generate(const py::object& maxPoints, const py::object& dtype, const std::string& layout, const std::string& name,
                   bool isVariableSize, bool withMain, const py::dict& keywords)
 {
     const Layout blockLayout = conventionOf(layout) == Convention::Rows ? Layout::Rows : Layout::Columns;
@@ -26,8 +26,9 @@ py::dict generate(std::int32_t maxPtsNum, const py::object& dtype, const std::st
     options.isVariableSize = isVariableSize;
     options.withMain = withMain;
     options.blockPath = setup.options.blockPath;
+    const std::uint32_t maxPtsNum = wholeNumber(maxPoints, "max_points");
     py::dict files;
-    for (const GeneratedFile& file : generateCode(setup.params, setup.pointsType, maxPtsNum, options))
+    for (const GeneratedFile& file : generateCode(setup.params, setup.pointsType, static_cast<std::int32_t>(maxPtsNum), options))
         files[py::str(file.name)] = file.text;
     return files;
 }
@@ -41,14 +42,14 @@ PYBIND11_MODULE(_core, module)
     using namespace esttform::python;
     module.attr("__version__") = ESTTFORM_VERSION;
     addErrors();
-    module.def("estimate", &estimateOnce, py::arg("pts1"), py::arg("pts2"), py::arg("layout"), py::arg("settings"));
+    module.def("estimate", &estimateOnce, py::arg("pts1"), py::arg("pts2"), py::arg("layout"), py::arg("order"), py::arg("settings"));
     module.def("generate_code", &generate, py::arg("max_points"), py::arg("dtype"), py::arg("layout"), py::arg("name"),
                py::arg("variable_size"), py::arg("with_main"), py::arg("settings"));
     module.def("read_matches", &readMatches, py::arg("path"), py::arg("dtype"), py::arg("columns"));
     module.def("batch_seed", &esttform::app::batchSeed, py::arg("seed"), py::arg("index"));
     py::class_<RunningBlock>(module, "RunningBlock")
-        .def(py::init<const py::dict&, const std::string&, const py::object&, std::optional<std::int32_t>>(), py::arg("settings"),
-             py::arg("layout"), py::arg("dtype"), py::arg("max_points"))
+        .def(py::init<const py::dict&, const py::object&, const py::object&, const py::object&, const py::object&>(), py::arg("settings"),
+             py::arg("layout"), py::arg("order"), py::arg("dtype"), py::arg("max_points"))
         .def("step", &RunningBlock::step, py::arg("pts1"), py::arg("pts2"), py::arg("seed"))
         .def("set_param", &RunningBlock::setParam, py::arg("key"), py::arg("value"))
         .def("close", &RunningBlock::close)

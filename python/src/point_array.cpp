@@ -59,6 +59,13 @@ Convention conventionOf(const std::string& word)
     throw py::value_error(fmt::format("layout: got '{}', expected rows (N-by-2) or columns (2-by-N)", word));
 }
 
+Layout layoutOf(Convention convention, const std::string& order)
+{
+    if (order != "C" && order != "F")
+        throw py::value_error(fmt::format("order: got '{}', expected C or F", order));
+    return (convention == Convention::Rows) == (order == "C") ? Layout::Columns : Layout::Rows;
+}
+
 PointArray::PointArray(const py::object& points, const char* name, std::optional<Convention> convention)
     : mName(name), mArray(arrayOf(points, name))
 {
@@ -86,16 +93,16 @@ std::string PointArray::shapeText() const
     return std::string(py::str(static_cast<const py::object&>(mArray).attr("shape")));
 }
 
-std::optional<Layout> PointArray::layoutInPlace() const noexcept
+bool PointArray::isAligned() const noexcept
+{
+    return reinterpret_cast<std::uintptr_t>(data()) % sizeOf(mType) == 0;
+}
+
+bool PointArray::isOrdered(Layout layout) const noexcept
 {
     const auto size = static_cast<std::ptrdiff_t>(sizeOf(mType));
-    if (reinterpret_cast<std::uintptr_t>(data()) % sizeOf(mType) != 0)
-        return {};
-    if (mCoordinateStride == size && (mPointStride == 2 * size || mNum <= 1))
-        return Layout::Columns;
-    if (mPointStride == size && mCoordinateStride == size * mNum)
-        return Layout::Rows;
-    return {};
+    return layout == Layout::Columns ? mCoordinateStride == size && mPointStride == 2 * size
+                                     : mPointStride == size && mCoordinateStride == size * mNum;
 }
 
 /// Calls function(zero of the element type, reader), where reader(point, coordinate) gives the element.
@@ -125,7 +132,7 @@ auto PointArray::withElements(Function function) const noexcept
 
 void PointArray::copyTo(void* points, Layout layout) const noexcept
 {
-    if (layoutInPlace() == layout) {
+    if (isOrdered(layout)) {
         std::memcpy(points, data(), 2 * static_cast<std::size_t>(mNum) * sizeOf(mType));
         return;
     }

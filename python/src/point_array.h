@@ -19,6 +19,11 @@ enum class Convention {
 /// @throws ValueError  for another word than "rows" or "columns"
 Convention conventionOf(const std::string& word);
 
+/// The layout in which the block reads arrays of a convention that lie in memory row by row ("C") or column by column ("F").
+///
+/// @throws ValueError  for another order
+Layout layoutOf(Convention convention, const std::string& order);
+
 /// Points of one set. Holds a reference to the array, which is never written to.
 class PointArray {
 public:
@@ -36,8 +41,10 @@ public:
     std::int32_t num() const noexcept { return mNum; }
     std::string shapeText() const;
 
-    /// The layout in which the block can read the array in place; empty when its elements lie in another way.
-    std::optional<Layout> layoutInPlace() const noexcept;
+    /// True if memory holds the elements in the order of a layout.
+    bool isOrdered(Layout layout) const noexcept;
+    /// True if the block can read the array in place, in this layout.
+    bool liesIn(Layout layout) const noexcept { return isOrdered(layout) && isAligned(); }
     const void* data() const noexcept { return mArray.data(); }
 
     /// Writes the points in a layout. Needs no interpreter lock.
@@ -50,6 +57,7 @@ public:
     double at(std::int32_t point, int coordinate) const noexcept;
 
 private:
+    bool isAligned() const noexcept;
     template <typename Function>
     auto withElements(Function function) const noexcept;
 

@@ -2,6 +2,7 @@
 
 #include "errors.h"
 #include "estimate/reopening.h"
+#include "matches/match_reader.h"
 #include "settings.h"
 #include "step_outcome.h"
 
@@ -61,25 +62,21 @@ bool isWithin(const PointArray& points, const py::array& array) noexcept
     return points.num() > 0 && !isBefore(points.data(), first) && isBefore(points.data(), first + array.nbytes());
 }
 
-/// The array of a convention for points that the block reads in columns, x0, y0, x1, ...
-py::array pointBuffer(DataType type, Convention convention, std::int32_t ptsNum)
+py::array pointBuffer(DataType type, Convention convention, Layout layout, std::int32_t ptsNum)
 {
-    const auto size = static_cast<py::ssize_t>(sizeOf(type));
-    const py::dtype dtype(dtypeName(type));
-    py::array points = convention == Convention::Rows ? py::array(dtype, {py::ssize_t{ptsNum}, py::ssize_t{2}}, {2 * size, size})
-                                                      : py::array(dtype, {py::ssize_t{2}, py::ssize_t{ptsNum}}, {size, 2 * size});
-    std::memset(points.mutable_data(), 0, static_cast<std::size_t>(points.nbytes()));
-    return points;
+    const py::tuple shape = convention == Convention::Rows ? py::make_tuple(ptsNum, 2) : py::make_tuple(2, ptsNum);
+    const char* const order = layout == layoutOf(convention, "C") ? "C" : "F";
+    return py::module_::import("numpy").attr("zeros")(shape, dtypeName(type), order);
 }
 
 }  // namespace
 
-RunningBlock::RunningBlock(const py::dict& keywords, const std::string& layout, const py::object& dtype,
-                           std::optional<std::int32_t> maxPtsNum)
-    : mConvention(conventionOf(layout)), mIsGrowing(!maxPtsNum),
-      mSetup(settingsOf(keywords, typeOfDtype(py::dtype::from_args(dtype), "dtype"), Layout::Columns))
+RunningBlock::RunningBlock(const py::dict& keywords, const py::object& layout, const py::object& order,
+                           const py::object& dtype, const py::object& maxPtsNum)
+    : mConvention(conventionOf(py::str(layout))), mLayout(layoutOf(mConvention, py::str(order))), mIsGrowing(maxPtsNum.is_none()),
+      mSetup(settingsOf(keywords, typeOfDtype(py::dtype::from_args(dtype), "dtype"), mLayout))
 {
-    makeRoom(maxPtsNum.value_or(FIRST_ROOM));
+    makeRoom(mIsGrowing ? FIRST_ROOM : wholeNumber(maxPtsNum, "max_points"));
 }
 
 RunningBlock::~RunningBlock()
@@ -88,15 +85,18 @@ RunningBlock::~RunningBlock()
         close();
 }
 
-void RunningBlock::makeRoom(std::int32_t ptsNum)
+void RunningBlock::makeRoom(std::int64_t wanted)
 {
-    if (ptsNum < 0)
-        throw py::value_error(fmt::format("max_points: got {}, expected 0 or more", ptsNum));
-    py::array pts1 = pointBuffer(mSetup.pointsType, mConvention, ptsNum);
-    py::array pts2 = pointBuffer(mSetup.pointsType, mConvention, ptsNum);
+    if (static_cast<std::size_t>(wanted) > app::MatchReader::PAIR_MAX_NUM)
+        throw py::value_error(fmt::format("max_points: got {}, expected 0 to {}", wanted, app::MatchReader::PAIR_MAX_NUM));
+    const auto ptsNum = static_cast<std::int32_t>(wanted);
+    py::array pts1 = pointBuffer(mSetup.pointsType, mConvention, mLayout, ptsNum);
+    py::array pts2 = pointBuffer(mSetup.pointsType, mConvention, mLayout, ptsNum);
     mSetup.options.isVariableSize = true;
-    mSetup.options.pts1 = pts1.data();
-    mSetup.options.pts2 = pts2.data();
+    if (mLayout == Layout::Columns) {                       // in rows the block wants the y of n points behind their n x
+        mSetup.options.pts1 = pts1.data();
+        mSetup.options.pts2 = pts2.data();
+    }
     {
         const BlockTurn turn;
         if (mEstimator)
@@ -115,17 +115,17 @@ void RunningBlock::refuseClosed() const
         throw Closed();
 }
 
-/// Copies points to where the block reads them, unless they are there.
-void RunningBlock::take(const PointArray& points, const py::array& own)
+/// True for points that lie where the block reads them.
+bool RunningBlock::isOwn(const PointArray& points, const py::array& own) const noexcept
 {
-    if (points.data() == own.data())
-        return;
-    points.copyTo(const_cast<void*>(own.data()), Layout::Columns);
+    return mSetup.options.pts1 != nullptr && points.data() == own.data() && points.liesIn(Layout::Columns);
 }
 
-py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, std::optional<std::uint32_t> seed)
+py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, const py::object& seed)
 {
     refuseClosed();
+    const bool isSeeded = !seed.is_none();
+    const std::uint32_t start = isSeeded ? wholeNumber(seed, "seed") : 0;
     const PointArray first(pts1, "pts1", mConvention);
     const PointArray second(pts2, "pts2", mConvention);
     refuseMismatch(first, second);
@@ -138,11 +138,9 @@ py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, st
                                               mRoom));
         makeRoom(app::grownPtsNum(mRoom, first.num()));
     }
-    const auto isOwn = [](const PointArray& points, const py::array& own) {
-        return points.data() == own.data() && points.layoutInPlace() == Layout::Columns;
-    };
+    const bool isBound = mSetup.options.pts1 != nullptr;
     for (const auto& [points, own] : {std::pair(&first, &mPts1), std::pair(&second, &mPts2)})
-        if (!isOwn(*points, *own) && (isWithin(*points, mPts1) || isWithin(*points, mPts2)))
+        if (isBound && !isOwn(*points, *own) && (isWithin(*points, mPts1) || isWithin(*points, mPts2)))
             throw py::value_error(fmt::format("{}: got a part of the estimator's own arrays, expected their first points or a copy",
                                               points->name()));
     refuseNonFinite(first);
@@ -153,11 +151,13 @@ py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, st
         const BlockTurn turn;
         if (!mEstimator)                                    // another thread closed it
             throw Closed();
-        take(first, mPts1);
-        take(second, mPts2);
-        if (seed)
-            mEstimator->seed(*seed);
-        outcome.take(mEstimator->step(first.num()), Layout::Columns, first, second, mSetup);
+        if (!isOwn(first, mPts1))
+            first.copyTo(isBound ? const_cast<void*>(mPts1.data()) : mEstimator->pts1Buffer(), mLayout);
+        if (!isOwn(second, mPts2))
+            second.copyTo(isBound ? const_cast<void*>(mPts2.data()) : mEstimator->pts2Buffer(), mLayout);
+        if (isSeeded)
+            mEstimator->seed(start);
+        outcome.take(mEstimator->step(first.num()), mLayout, first, second, mSetup);
     }
     return outcome.toResult(pts1, pts2, mConvention, mSetup);
 }
@@ -205,23 +205,27 @@ void RunningBlock::close()
     mEstimator.reset();
 }
 
-py::object estimateOnce(const py::object& pts1, const py::object& pts2, const py::object& layout, const py::dict& keywords)
+py::object estimateOnce(const py::object& pts1, const py::object& pts2, const py::object& layout, const py::object& order,
+                        const py::dict& keywords)
 {
     std::optional<Convention> convention;
     if (!layout.is_none())
-        convention = conventionOf(layout.cast<std::string>());
+        convention = conventionOf(py::str(layout));
     const PointArray first(pts1, "pts1", convention);
     const PointArray second(pts2, "pts2", convention);
     refuseMismatch(first, second);
     refuseNonFinite(first);
     refuseNonFinite(second);
 
-    // Room for a sample at least: of fewer pairs the block finds nothing, but it opens.
-    const std::optional<Layout> inPlace = first.layoutInPlace() == second.layoutInPlace() ? first.layoutInPlace() : std::nullopt;
-    app::BlockSetup setup = settingsOf(keywords, first.type(), inPlace.value_or(Layout::Columns));
+    const auto areOrdered = [&](Layout one) { return first.isOrdered(one) && second.isOrdered(one); };
+    const Layout otherLayout = layoutOf(first.convention(), "F");
+    const bool areOther = order.is_none() && areOrdered(otherLayout) && !areOrdered(layoutOf(first.convention(), "C"));
+    const Layout blockLayout = areOther ? otherLayout : layoutOf(first.convention(), order.is_none() ? "C" : std::string(py::str(order)));
+    app::BlockSetup setup = settingsOf(keywords, first.type(), blockLayout);
+    // Room for a sample at least: the block refuses fewer pairs at the step, with its own message.
     setup.options.isVariableSize = first.num() < setup.sampleSize();
     const std::int32_t room = std::max(first.num(), std::int32_t{setup.sampleSize()});
-    const bool isBound = inPlace && !setup.options.isVariableSize;
+    const bool isBound = first.liesIn(blockLayout) && second.liesIn(blockLayout) && !setup.options.isVariableSize;
     if (isBound) {
         setup.options.pts1 = first.data();
         setup.options.pts2 = second.data();

@@ -17,21 +17,22 @@ public:
     /// Opens a block.
     ///
     /// @param keywords    see settingsOf
-    /// @param maxPtsNum   most points of a step; empty: as many as steps have, the arrays grow with them
+    /// @param maxPtsNum   most points of a step; None: as many as steps have, the arrays grow with them
     /// @throws UsageError, LoadError
-    RunningBlock(const pybind11::dict& keywords, const std::string& layout, const pybind11::object& dtype,
-                 std::optional<std::int32_t> maxPtsNum);
+    RunningBlock(const pybind11::dict& keywords, const pybind11::object& layout, const pybind11::object& order,
+                 const pybind11::object& dtype, const pybind11::object& maxPtsNum);
     ~RunningBlock();
 
     /// One step.
     ///
-    /// @param seed  starts the random numbers anew; empty: they go on
+    /// @param seed  starts the random numbers anew; None: they go on
     /// @return a Result
     /// @throws ValueError, TypeError  points of another element type or number, or not finite
     /// @throws StepError  the block refused the step
-    pybind11::object step(const pybind11::object& pts1, const pybind11::object& pts2, std::optional<std::uint32_t> seed);
+    pybind11::object step(const pybind11::object& pts1, const pybind11::object& pts2, const pybind11::object& seed);
 
-    /// The arrays that the block reads, room() points each; Rows: N-by-2, Columns: 2-by-N.
+    /// Arrays of room() points; Rows: N-by-2, Columns: 2-by-N. Where x and y of a point lie side by side the block reads them
+    /// in place.
     const pybind11::array& pts1() const;
     const pybind11::array& pts2() const;
     std::int32_t room() const noexcept { return mRoom; }
@@ -44,11 +45,12 @@ public:
     void close();
 
 private:
-    void makeRoom(std::int32_t ptsNum);
-    void take(const PointArray& points, const pybind11::array& own);
+    void makeRoom(std::int64_t ptsNum);
+    bool isOwn(const PointArray& points, const pybind11::array& own) const noexcept;
     void refuseClosed() const;
 
     Convention mConvention;
+    Layout mLayout;
     bool mIsGrowing;
     app::BlockSetup mSetup;
     std::int32_t mRoom = 0;
@@ -59,8 +61,9 @@ private:
 /// Estimates once; the block reads the arrays in place where their elements lie as it can read them.
 ///
 /// @param layout  "rows" or "columns", or None: from the shape
+/// @param order   "C" or "F", or None: as the arrays lie, "C" if in neither order or not in one
 /// @return a Result
 pybind11::object estimateOnce(const pybind11::object& pts1, const pybind11::object& pts2, const pybind11::object& layout,
-                              const pybind11::dict& keywords);
+                              const pybind11::object& order, const pybind11::dict& keywords);
 
 }  // namespace esttform::python

@@ -21,22 +21,6 @@ std::string typeOf(const py::handle& value)
     return std::string(py::str(py::type::handle_of(value).attr("__name__")));
 }
 
-/// A whole number that fits 32 bits without a sign, from an int or what NumPy has for one.
-std::uint32_t wholeNumber(const py::handle& value, const std::string& name)
-{
-    if (PyBool_Check(value.ptr()) || PyIndex_Check(value.ptr()) == 0)
-        throw py::type_error(fmt::format("{}: got a value of type {}, expected a whole number", name, typeOf(value)));
-    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
-    if (!index)
-        throw py::error_already_set();
-    int isOutside = 0;
-    const long long number = PyLong_AsLongLongAndOverflow(index.ptr(), &isOutside);
-    if (isOutside != 0 || number < 0 || number > std::numeric_limits<std::uint32_t>::max())
-        throw py::value_error(fmt::format("{}: got {}, expected a whole number from 0 to {}", name,
-                                          std::string(py::str(value)), std::numeric_limits<std::uint32_t>::max()));
-    return static_cast<std::uint32_t>(number);
-}
-
 template <typename Value>
 Value valueOf(const py::handle& value, const std::string& name, const char* expected)
 {
@@ -75,12 +59,29 @@ py::object taken(py::dict& keywords, const char* name)
 
 }  // namespace
 
+std::uint32_t wholeNumber(const py::handle& value, const std::string& name)
+{
+    if (PyBool_Check(value.ptr()) || PyIndex_Check(value.ptr()) == 0)
+        throw py::type_error(fmt::format("{}: got a value of type {}, expected a whole number", name, typeOf(value)));
+    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
+    if (!index)
+        throw py::error_already_set();
+    int isOutside = 0;
+    const long long number = PyLong_AsLongLongAndOverflow(index.ptr(), &isOutside);
+    if (isOutside != 0 || number < 0 || number > std::numeric_limits<std::uint32_t>::max())
+        throw py::value_error(fmt::format("{}: got {}, expected a whole number from 0 to {}", name,
+                                          std::string(py::str(value)), std::numeric_limits<std::uint32_t>::max()));
+    return static_cast<std::uint32_t>(number);
+}
+
 std::string keywordSpelling(std::string_view name)
 {
     if (name.substr(0, 3) == "no-")
         return keywordSpelling(name.substr(3)) + "=False";
     if (name == "param")
         return "params";
+    if (name == "points-type")
+        return "dtype";
     std::string keyword(name);
     std::replace(keyword.begin(), keyword.end(), '-', '_');
     return keyword;

@@ -17,6 +17,11 @@ namespace esttform::python {
 /// @throws app::Failure  a value out of range, a contradiction
 app::BlockSetup settingsOf(const pybind11::dict& keywords, DataType pointsType, Layout layout);
 
+/// A whole number that fits 32 bits without a sign, from an int or what NumPy has for one.
+///
+/// @throws TypeError, ValueError
+std::uint32_t wholeNumber(const pybind11::handle& value, const std::string& name);
+
 /// How an option is spelled in Python: threshold_px for threshold-px, robust=False for no-robust.
 std::string keywordSpelling(std::string_view name);
 

@@ -82,7 +82,7 @@ py::object StepOutcome::toResult(const py::object& pts1, const py::object& pts2,
                                  const app::BlockSetup& setup) const
 {
     if (mError)
-        throw StepRefused(fmt::format("{}: {}", mError->id, mError->text));
+        throw StepRefused(fmt::format("{}: {}; got {}", mError->id, mError->text, mPtsNum));
     py::tuple warnings(mWarnings.size());
     for (std::size_t i = 0; i < mWarnings.size(); ++i)
         warnings[i] = resultClass("Message")(mWarnings[i].id, mWarnings[i].text, mWarnings[i].count);

@@ -162,24 +162,24 @@ Settings settingsOf(const BlockOptions& o, OptionSpelling spelling)
 // ---- Raw dialog values
 
 /// Position of the parameter that a name or an index stands for.
-std::size_t paramIndexOf(const std::string& key)
+std::size_t paramIndexOf(const std::string& key, OptionSpelling spelling)
 {
     for (const ParamInfo& info : paramTable())
         if (key == info.name || key == std::to_string(info.index))
             return static_cast<std::size_t>(info.index);
-    throw Failure(fmt::format("--param: got {}, expected a parameter's name or an index from 0 to {}; "
-                              "'esttform params' lists them", inQuotes(key), PARAM_NUM - 1));
+    throw Failure(fmt::format("{}: got {}, expected a parameter's name or an index from 0 to {}; 'esttform params' lists them",
+                              spelling("param"), inQuotes(key), PARAM_NUM - 1));
 }
 
-void applyParam(Params& params, const std::string& text)
+void applyParam(Params& params, const std::string& text, OptionSpelling spelling)
 {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos)
-        throw Failure(fmt::format("--param: got {}, expected NAME=VALUE or INDEX=VALUE", inQuotes(text)));
-    const std::size_t index = paramIndexOf(text.substr(0, equals));
+        throw Failure(fmt::format("{}: got {}, expected NAME=VALUE or INDEX=VALUE", spelling("param"), inQuotes(text)));
+    const std::size_t index = paramIndexOf(text.substr(0, equals), spelling);
     const auto value = parseReal(std::string_view(text).substr(equals + 1));
     if (!value)
-        throw Failure(fmt::format("--param: {}: got {}, expected a number", text.substr(0, equals),
+        throw Failure(fmt::format("{}: {}: got {}, expected a number", spelling("param"), text.substr(0, equals),
                                   inQuotes(text.substr(equals + 1))));
     params[index] = *value;
 }
@@ -222,7 +222,7 @@ BlockSetup resolveBlockOptions(const BlockOptions& options, OptionSpelling spell
     BlockSetup setup;
     setup.params = toParams(settings);
     for (const std::string& text : options.params)
-        applyParam(setup.params, text);
+        applyParam(setup.params, text, spelling);
     setup.pointsType = settings.pointsType;
     setup.options.blockPath = options.blockPath;
     setup.options.seed = options.seed;
