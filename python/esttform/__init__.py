@@ -20,7 +20,7 @@ array([ True,  True,  True,  True, False])
 from esttform._code import generate_code
 from esttform._convert import as_tform, to_homography
 from esttform._core import __version__
-from esttform._errors import ClosedError, EsttformError, InternalError, LoadError, SettingsError, StepError
+from esttform._errors import ClosedError, EsttformError, InternalError, LoadError, LostProcessError, SettingsError, StepError
 from esttform._estimate import Estimator, estimate
 from esttform._many import estimate_many, item_seed
 from esttform._matches import read_matches
@@ -28,13 +28,13 @@ from esttform._result import Message, Result
 
 # People know these by the name of the package.
 for _part in (
-    ClosedError, EsttformError, Estimator, InternalError, LoadError, Message, Result, SettingsError, StepError,
+    ClosedError, EsttformError, Estimator, InternalError, LoadError, LostProcessError, Message, Result, SettingsError, StepError,
     as_tform, estimate, estimate_many, generate_code, item_seed, read_matches, to_homography,
 ):
     _part.__module__ = __name__
 del _part
 
 __all__ = [
-    "ClosedError", "EsttformError", "Estimator", "InternalError", "LoadError", "Message", "Result", "SettingsError", "StepError",
-    "as_tform", "estimate", "estimate_many", "generate_code", "item_seed", "read_matches", "to_homography", "__version__",
+    "ClosedError", "EsttformError", "Estimator", "InternalError", "LoadError", "LostProcessError", "Message", "Result",
+    "SettingsError", "StepError", "as_tform", "estimate", "estimate_many", "generate_code", "item_seed", "read_matches", "to_homography", "__version__",
 ]

@@ -21,5 +21,9 @@ class LoadError(EsttformError, OSError):
     """The block's library could not be loaded."""
 
 
+class LostProcessError(EsttformError, RuntimeError):
+    """Items that ended every process they were given to."""
+
+
 class InternalError(EsttformError, RuntimeError):
     """A fault of this system."""

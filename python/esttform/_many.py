@@ -5,14 +5,13 @@ from __future__ import annotations
 import glob
 import os
 import sys
-from concurrent.futures import FIRST_COMPLETED, Future, ProcessPoolExecutor, wait
-from concurrent.futures.process import BrokenProcessPool
-from itertools import chain, islice
-from typing import TYPE_CHECKING, Any, Iterable, Iterator, List, Sequence, Tuple, Union
+from itertools import islice
+from typing import TYPE_CHECKING, Any, Callable, Iterable, Iterator, List, Sequence, Tuple, Union
 
 from esttform import _core
 from esttform._estimate import Estimator
 from esttform._matches import read_matches
+from esttform._processes import by_processes
 from esttform._result import Result
 
 if TYPE_CHECKING:
@@ -20,13 +19,9 @@ if TYPE_CHECKING:
 
 Item = Union[str, "os.PathLike[str]", "Tuple[ArrayLike, ArrayLike]"]
 Outcome = Union[Result, Exception]
-Chunk = Tuple[int, List[Tuple[int, Any]]]
-"""Position of a chunk, and its items with their seeds."""
 
 CHUNK_SIZE = 16
 """Items that a process gets at a time."""
-LOST_MAX = 3
-"""Times that a lost process is replaced: an item that kills its process must come to an end."""
 
 
 def item_seed(seed: int, index: int) -> int:
@@ -91,16 +86,9 @@ def _pair(item: Any) -> Tuple[Any, Any]:
     return pts1, pts2
 
 
-_estimator: ItemEstimator
-
-
-def _start(arguments: Tuple[Any, ...]) -> None:
-    global _estimator
-    _estimator = ItemEstimator(*arguments)
-
-
-def _estimate_chunk(chunk: Sequence[Tuple[int, Item]]) -> List[Outcome]:
-    return [_estimator.outcome(item, seed) for seed, item in chunk]
+def _outcome_by(*arguments: Any) -> Callable[[Tuple[int, Item]], Outcome]:
+    estimator = ItemEstimator(*arguments)
+    return lambda numbered: estimator.outcome(numbered[1], numbered[0])
 
 
 def estimate_many(
@@ -160,7 +148,7 @@ def estimate_many(
     job_num = jobs or len(os.sched_getaffinity(0))
     numbered = ((item_seed(seed, index), item) for index, item in enumerate(item_list(items)))
     chunks = _chunks(numbered)
-    done = _in_this_process(arguments, chunks) if job_num == 1 else _by_processes(arguments, chunks, job_num)
+    done = _in_this_process(arguments, chunks) if job_num == 1 else by_processes(_outcome_by, arguments, chunks, job_num)
 
     outcomes: dict[int, List[Outcome]] = {}
     item_num = 0
@@ -178,44 +166,14 @@ def estimate_many(
     return [outcome for position in sorted(outcomes) for outcome in outcomes[position]]
 
 
-def _chunks(items: Iterator[Tuple[int, Item]]) -> Iterator[Chunk]:
-    position = 0
+def _chunks(items: Iterator[Tuple[int, Item]]) -> Iterator[List[Tuple[int, Item]]]:
     while chunk := list(islice(items, CHUNK_SIZE)):
-        yield position, chunk
-        position += 1
+        yield chunk
 
 
-def _popped(chunks: List[Chunk]) -> Iterator[Chunk]:
-    while chunks:
-        yield chunks.pop()
-
-
-def _in_this_process(arguments: Tuple[Any, ...], chunks: Iterator[Chunk]) -> Iterator[Tuple[int, List[Outcome]]]:
-    estimator = ItemEstimator(*arguments)
-    for position, chunk in chunks:
-        yield position, [estimator.outcome(item, seed) for seed, item in chunk]
-
-
-def _by_processes(arguments: Tuple[Any, ...], chunks: Iterator[Chunk], job_num: int) -> Iterator[Tuple[int, List[Outcome]]]:
-    """Keeps two chunks a process under way, so that memory does not grow with the number of items."""
-    waiting: List[Chunk] = []                               # of a pool that lost a process
-    for lost_num in range(LOST_MAX + 1):
-        running: dict[Future[List[Outcome]], Chunk] = {}
-        try:
-            with ProcessPoolExecutor(job_num, initializer=_start, initargs=(arguments,)) as pool:
-                try:
-                    while True:
-                        room = 2 * job_num - len(running)
-                        for chunk in islice(chain(_popped(waiting), chunks), room):
-                            running[pool.submit(_estimate_chunk, chunk[1])] = chunk
-                        if not running:
-                            return
-                        for future in wait(running, return_when=FIRST_COMPLETED).done:
-                            yield running[future][0], future.result()
-                            del running[future]
-                finally:
-                    pool.shutdown(cancel_futures=True)
-        except BrokenProcessPool:
-            if lost_num == LOST_MAX:
-                raise
-            waiting.extend(running.values())
+def _in_this_process(
+    arguments: Tuple[Any, ...], chunks: Iterator[List[Tuple[int, Item]]]
+) -> Iterator[Tuple[int, List[Outcome]]]:
+    outcome = _outcome_by(*arguments)
+    for position, chunk in enumerate(chunks):
+        yield position, [outcome(numbered) for numbered in chunk]

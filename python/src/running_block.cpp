@@ -12,6 +12,8 @@
 #include <functional>
 #include <mutex>
 
+#include <pthread.h>
+
 namespace esttform::python {
 
 namespace py = pybind11;
@@ -28,9 +30,12 @@ public:
     BlockTurn() : mLock(mutex()) {}
 
 private:
+    /// Taken by a thread that forks, too: else its child could get it locked by a thread that the child does not have.
     static std::mutex& mutex()
     {
         static std::mutex one;
+        static const int registered = pthread_atfork([] { mutex().lock(); }, [] { mutex().unlock(); }, [] { mutex().unlock(); });
+        static_cast<void>(registered);
         return one;
     }
 

@@ -75,10 +75,10 @@ def test_life():
 def test_not_robust_and_not_found():
     whole = esttform.estimate(POINTS, POINTS + 3, "affine", robust=False)
     assert whole.inliers is None and whole.inlier_num is None and whole.found
-    none = esttform.estimate(np.ones((5, 2)), POINTS[:5], seed=1)
+    none = esttform.estimate(np.ones((5, 2)), POINTS[:5], "similarity", seed=1)
     assert not none.found and not none.tform.any() and "1 different place" in none.reason
     for call in (none.as_cv2, none.as_skimage, lambda: none.map(POINTS)):
-        with pytest.raises(ValueError, match="no projective transformation was found"):
+        with pytest.raises(ValueError, match="no similarity transformation was found"):
             call()
 
 

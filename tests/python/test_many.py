@@ -66,28 +66,30 @@ def test_bad_items(items, tmp_path):
 
 
 def test_a_lost_process_loses_nothing(items, expected, tmp_path):
-    def dear():
-        """Items whose third one ends its process, once."""
-        for idx, item in enumerate(items):
-            yield Deadly(item, tmp_path / "mark") if idx == 2 else item
-
-    assert bits(esttform.estimate_many(dear(), "affine", seed=5, jobs=2)) == expected
+    for idx in (2, 39):
+        mark = tmp_path / str(idx)
+        some = [*items[:idx], Deadly(items[idx], mark, os.getpid()), *items[idx + 1:]]
+        assert bits(esttform.estimate_many(some, "affine", seed=5, jobs=2)) == expected
+        assert mark.exists()
+    with pytest.raises(esttform.LostProcessError, match="3 processes with the same 1 items ended, the last with exit code -9"):
+        esttform.estimate_many([Deadly(items[0], tmp_path / "no folder" / "mark", os.getpid())], "affine", jobs=2)
 
 
 class Deadly(tuple):
-    """A pair of arrays that kills the process that takes it apart first."""
+    """A pair of arrays that kills the process, of another than its maker, that takes it apart first; any such, without a place for the mark."""
 
-    def __new__(cls, item, mark):
+    def __new__(cls, item, mark, maker):
         pair = super().__new__(cls, item)
-        pair.mark = mark
+        pair.mark, pair.maker = mark, maker
         return pair
 
     def __reduce__(self):
-        return Deadly, (tuple(self), self.mark)
+        return Deadly, (list(super().__iter__()), self.mark, self.maker)
 
     def __iter__(self):
-        if not self.mark.exists():
-            self.mark.touch()
+        if os.getpid() != self.maker and not self.mark.exists():
+            if self.mark.parent.exists():
+                self.mark.touch()
             os.kill(os.getpid(), signal.SIGKILL)
         return super().__iter__()
 
@@ -127,10 +129,12 @@ def test_a_lost_worker_loses_nothing(client, items, expected):
 
     long = [items[idx % 40] for idx in range(120)]
     plain = bits(esttform.estimate_many(long, "affine", seed=5, jobs=1, samples=3000))
-    pids = list(client.run(os.getpid).values())
-    future = client.compute(esttform.dask.estimate_many(long, "affine", seed=5, npartitions=30, samples=3000))
-    while not any(client.scheduler_info()["workers"][name]["metrics"]["task_counts"].get("executing") for name in client.scheduler_info()["workers"]):
-        time.sleep(0.01)
-    os.kill(pids[0], signal.SIGKILL)
-    assert bits(future.result()) == plain
-    assert sorted(client.run(os.getpid).values()) != sorted(pids)
+    parts = client.compute(esttform.dask.estimate_many(long, "affine", seed=5, npartitions=30, samples=3000).to_delayed())
+    while not any(part.done() for part in parts):
+        time.sleep(0.001)
+    lost = next(iter(client.run(os.getpid).values()))
+    os.kill(lost, signal.SIGKILL)
+    assert not all(part.done() for part in parts)
+    assert bits(result for part in client.gather(parts) for result in part) == plain
+    client.wait_for_workers(2, timeout=30)
+    assert lost not in client.run(os.getpid).values()
