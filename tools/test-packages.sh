@@ -10,7 +10,7 @@ if [ $# -eq 0 ]; then
     cmake --preset package > /dev/null
     cmake --build --preset package -- --quiet
     rm -rf "$packages"
-    (cd build/package && cpack > cpack.log || { cat cpack.log; exit 1; })
+    (cd build/package && cpack &> cpack.log || { cat cpack.log; exit 1; })
 fi
 
 # The packages go to no archive: there is no bug to close with the first upload.
