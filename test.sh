@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: with GCC, under valgrind, generated code on other machines, under
-# the sanitizers, with Clang.
+# the sanitizers, with Clang, from packages in a bare Debian.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -29,3 +29,6 @@ cmake --build --preset clang --target vectors_test generated_vectors_test real_m
 build/clang/bin/vectors_test
 build/clang/bin/generated_vectors_test
 build/clang/bin/real_matches_test
+
+# The Debian packages: built, examined, installed, used and removed.
+tools/test-packages.sh

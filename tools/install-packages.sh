@@ -7,7 +7,7 @@ packages=(g++ make cmake ninja-build pkg-config
           libcli11-dev libfmt-dev nlohmann-json3-dev libcsv-dev libcairo2-dev)
 case "${1:-}" in
     build) ;;
-    test) packages+=(binutils python3 libgtest-dev libeigen3-dev libopencv-dev chromium clang valgrind
+    test) packages+=(binutils debootstrap dpkg-dev file lintian python3 libgtest-dev libeigen3-dev libopencv-dev chromium clang valgrind
                       gcc-arm-linux-gnueabihf libc6-dev-armhf-cross gcc-powerpc64-linux-gnu libc6-dev-ppc64-cross qemu-user) ;;
     *) echo "usage: $0 build|test" >&2; exit 2 ;;
 esac

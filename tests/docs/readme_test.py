@@ -22,17 +22,15 @@ shown = []
 def run_commands(folder, environment, text):
     """Runs the lines of a block of commands; what is neither esttform nor a tool must be a file of the sources."""
     for line in text.splitlines():
-        words = shlex.split(line)
-        program = str(esttform) if words[0] == "build/release/bin/esttform" else words[0]
-        is_tool = program in (str(esttform), "cmake", "gcc", "head", "printf", "cat") or (pathlib.Path(folder) / program).is_file()
-        if is_tool:
-            run = subprocess.run([program, *words[1:]], cwd=folder, env=environment, capture_output=True, text=True)
+        program = shlex.split(line)[0]
+        if program in ("cmake", "gcc", "g++", "head", "printf", "cat") or (pathlib.Path(folder) / program).is_file():
+            run = subprocess.run(["bash", "-c", line], cwd=folder, env=environment, capture_output=True, text=True)
             if "built without OpenCV" in run.stderr:
                 continue
             outputs[line] = run.stdout
             if run.returncode != 0:
                 failures.append(f"{line}: exit code {run.returncode}: {run.stderr}")
-        elif not (source / words[0]).is_file():
+        elif not (source / program).is_file():
             failures.append(f"{line}: no such file")
 
 
@@ -43,6 +41,8 @@ for page in pages:
         # The commands run in a copy of the folders that they name, so that nothing is left in the sources.
         (pathlib.Path(folder) / "examples").symlink_to(source / "examples")
         (pathlib.Path(folder) / "demo_output").mkdir()
+        (pathlib.Path(folder) / "build").mkdir()
+        (pathlib.Path(folder) / "build/release").symlink_to(esttform.parents[1])
         # The font library keeps its configuration until the end, which leak checkers take for lost.
         leaks = pathlib.Path(folder) / "leaks"
         leaks.write_text("leak:libfontconfig\n")

@@ -13,11 +13,16 @@ namespace esttform::app {
 Vision& loadVision()
 {
 #ifdef ESTTFORM_VISION_MODULE
-    // Beside the program, or where the program's other libraries are. It stays loaded, its objects with it.
+    // Beside the program, or where it is installed. It stays loaded, its objects with it.
     std::error_code ignored;
-    const auto beside = std::filesystem::read_symlink("/proc/self/exe", ignored).replace_filename(ESTTFORM_VISION_MODULE);
-    const bool isBeside = std::filesystem::exists(beside, ignored);
-    void* const module = ::dlopen(isBeside ? beside.c_str() : ESTTFORM_VISION_MODULE, RTLD_NOW | RTLD_LOCAL);
+    const auto folder = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+    auto path = folder / ESTTFORM_VISION_MODULE;
+    if (!std::filesystem::exists(path, ignored))
+        path = folder / ESTTFORM_MODULE_PATH / ESTTFORM_VISION_MODULE;
+    if (!std::filesystem::exists(path, ignored))
+        throw Failure(fmt::format("register: {}: no such file; install the package esttform-vision",
+                                  path.lexically_normal().native()));
+    void* const module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr)
         throw Failure(fmt::format("register: cannot load {}: {}", ESTTFORM_VISION_MODULE, ::dlerror()));
     const auto vision = reinterpret_cast<Vision* (*)()>(::dlsym(module, "esttformVision"));
