@@ -1,12 +1,9 @@
 #include "block_library.h"
 
-#include <dlfcn.h>
-#include <elf.h>
-#include <unistd.h>
+#include "block_file.h"
 
-#include <algorithm>
-#include <cstring>
-#include <fstream>
+#include <dlfcn.h>
+#include <unistd.h>
 
 namespace blockhost {
 
@@ -31,30 +28,19 @@ std::string loaderReason(const std::string& path)
     return reason;
 }
 
-/// Refuses a file that ends before what its program headers say is to be mapped: to touch the missing part would end the
-/// process. Whatever is no 64-bit library of this byte order is left for the loader to judge.
-void throwIfCutOff(const std::string& path)
+/// Refuses a file whose missing part would end the process when touched, and a block that expects another host.
+void throwIfUnfit(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const std::streamoff byteNum = file.tellg();
-    const auto read = [&](std::uint64_t offset, auto& record) {
-        file.seekg(static_cast<std::streamoff>(offset));
-        file.read(reinterpret_cast<char*>(&record), sizeof record);
-        return file.good();
-    };
-    constexpr int BYTE_ORDER_HERE = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? ELFDATA2LSB : ELFDATA2MSB;
-    Elf64_Ehdr header{};
-    if (!read(0, header) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64
-        || header.e_ident[EI_DATA] != BYTE_ORDER_HERE || header.e_phentsize != sizeof(Elf64_Phdr))
-        return;
-    std::uint64_t neededNum = header.e_phoff + header.e_phnum * sizeof(Elf64_Phdr);
-    Elf64_Phdr segment{};
-    for (std::uint64_t i = 0; i < header.e_phnum && read(header.e_phoff + i * sizeof segment, segment); ++i)
-        if (segment.p_type == PT_LOAD)
-            neededNum = std::max(neededNum, segment.p_offset + segment.p_filesz);
-    if (static_cast<std::uint64_t>(byteNum) < neededNum)
-        throwCannotLoad(path, "file is cut off: " + std::to_string(byteNum) + " bytes, its contents need "
-                                  + std::to_string(neededNum));
+    const BlockFile file = readBlockFile(path);
+    if (file.isCutOff())
+        throwCannotLoad(path, "file is cut off: " + std::to_string(file.byteNum) + " bytes, its contents need "
+                                  + std::to_string(file.neededNum));
+    for (const std::uint32_t version : file.interfaceVersions)
+        if (version != sysobj::INTERFACE_VERSION)
+            throwCannotLoad(path, "block is built for version " + std::to_string(version)
+                                      + " of the host interface, this host has version "
+                                      + std::to_string(sysobj::INTERFACE_VERSION) + "; compile the block again with the headers "
+                                      + "of this host");
 }
 
 template <typename Function>
@@ -77,7 +63,7 @@ BlockLibrary::BlockLibrary(const std::string& path)
     if (path.empty())
         throwCannotLoad("block", "no path was given");
     const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
-    throwIfCutOff(file);
+    throwIfUnfit(file);
     mHandle.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!mHandle)
         throwCannotLoad(file, loaderReason(file));

@@ -36,7 +36,8 @@ struct Callbacks {
 class BlockLibrary {
 public:
     /// @param path  file of the library; without a slash a file of the current folder, never searched for elsewhere
-    /// @throws Error (Load) with the loader's own reason, or the name of a callback that is missing
+    /// @throws Error (Load) with the loader's own reason, the version of the host interface that the block was built for when
+    ///     it is another than this host's, or the name of a callback that is missing
     explicit BlockLibrary(const std::string& path);
 
     const Callbacks& callbacks() const noexcept { return mCallbacks; }

@@ -2,6 +2,8 @@
 // Everything here is plain data; the host owns what a pointer refers to unless stated.
 #pragma once
 
+#include "interface_version.h"
+
 #include <cstdint>
 
 namespace sysobj {

@@ -4,11 +4,15 @@
 set -euo pipefail
 
 packages=(g++ make cmake ninja-build pkg-config
-          libcli11-dev libfmt-dev nlohmann-json3-dev libcsv-dev libcairo2-dev)
+          libcli11-dev libfmt-dev nlohmann-json3-dev libcsv-dev libcairo2-dev
+          python3-dev python3-numpy pybind11-dev python3-pybind11)
 case "${1:-}" in
     build) ;;
-    test) packages+=(binutils debootstrap dpkg-dev file lintian python3 libgtest-dev libeigen3-dev libopencv-dev chromium clang valgrind
-                      gcc-arm-linux-gnueabihf libc6-dev-armhf-cross gcc-powerpc64-linux-gnu libc6-dev-ppc64-cross qemu-user) ;;
+    test) packages+=(binutils libgtest-dev libeigen3-dev libopencv-dev chromium clang valgrind
+                     gcc-arm-linux-gnueabihf libc6-dev-armhf-cross gcc-powerpc64-linux-gnu libc6-dev-ppc64-cross qemu-user
+                     python3-pytest python3-distributed python3-pandas python3-matplotlib python3-skimage python3-opencv mypy
+                     python3-pip python3-venv python3-setuptools python3-wheel python3-skbuild
+                     debootstrap dpkg-dev file lintian) ;;
     *) echo "usage: $0 build|test" >&2; exit 2 ;;
 esac
 

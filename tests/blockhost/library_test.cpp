@@ -47,6 +47,22 @@ TEST(BlockLibraryTest, CutOffFileIsRefusedAndNotMapped)
     std::remove(path.c_str());
 }
 
+TEST(BlockLibraryTest, BlockForAnotherInterfaceIsRefused)
+{
+    std::ifstream file(FAKE_BLOCK, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::string name("blockhost\0\0\0", 12);
+    const std::size_t note = bytes.rfind(std::string("\12\0\0\0\4\0\0\0\1\0\0\0", 12) + name);  // of its last part
+    ASSERT_NE(note, std::string::npos);
+    ASSERT_EQ(bytes[note + 24], 1);
+    bytes[note + 24] = 7;
+    const std::string path = ::testing::TempDir() + "other_interface.so";
+    std::ofstream(path, std::ios::binary) << bytes;
+    EXPECT_EQ(loadError(path), path + ": cannot load: block is built for version 7 of the host interface, this host has "
+                                      "version 1; compile the block again with the headers of this host");
+    std::remove(path.c_str());
+}
+
 TEST(BlockLibraryTest, NameWithoutSlashIsAFileOfTheCurrentFolder)
 {
     // A C library is on every search path; here it must not be found.

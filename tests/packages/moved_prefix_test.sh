@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs, moves the prefix, and uses it from the outside: no file may name the place that it was installed to or built in.
-# Usage: moved_prefix_test.sh BUILD_FOLDER SOURCE_FOLDER LIBRARY_FOLDER
+# Usage: moved_prefix_test.sh BUILD_FOLDER SOURCE_FOLDER LIBRARY_FOLDER [PYTHON PYTHON_FOLDER]
 set -eu
 build=$1 source=$2 libdir=$3
 work=$(mktemp -d)
@@ -20,4 +20,13 @@ export PATH CMAKE_PREFIX_PATH PKG_CONFIG_PATH
 if [ -e "$work/moved/$libdir/esttform/esttform_vision.so" ]; then
     images=$source/examples/data/images
     esttform register "$images/box.png" "$images/box_in_scene.png" --seed 1 --quiet > "$work/log"
+fi
+if [ $# -ge 5 ]; then
+    esttform estimate "$source/examples/data/arches_panorama_500.csv" --seed 1 --format json > "$work/expected"
+    PYTHONPATH=$work/moved/$5 "$4" -B - "$source/examples/data/arches_panorama_500.csv" "$work/expected" << 'END'
+import json, sys
+import esttform
+result = esttform.estimate(*esttform.read_matches(sys.argv[1]), seed=1)
+assert result.tform.T.tolist() == json.load(open(sys.argv[2]))["tform"], result
+END
 fi
