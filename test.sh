@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: with GCC, under valgrind, generated code on other machines, under
-# the sanitizers, with Clang, from packages in a bare Debian.
+# the sanitizers, with Clang, installed by pip, from packages in a bare Debian.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -29,6 +29,9 @@ cmake --build --preset clang --target vectors_test generated_vectors_test real_m
 build/clang/bin/vectors_test
 build/clang/bin/generated_vectors_test
 build/clang/bin/real_matches_test
+
+# The Python module as pip builds it; for the interpreter that the build chose.
+tests/python/pip_install_test.sh "$(sed -n 's/^Python_EXECUTABLE:.*=//p' build/ci/CMakeCache.txt)" build/ci/bin/esttform
 
 # The Debian packages: built, examined, installed, used and removed.
 tools/test-packages.sh
