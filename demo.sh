@@ -16,3 +16,9 @@ echo "\$ esttform estimate $matches --seed 1 --plot $picture"
 build/release/bin/esttform estimate "$matches" --seed 1 --plot "$picture"
 echo
 echo "The matches, right and wrong, with the transformation: $picture"
+
+# The same from Python, by the interpreter that the module is built for.
+python=$(sed -n 's/^Python_EXECUTABLE:.*=//p' build/release/CMakeCache.txt)
+echo
+echo "\$ PYTHONPATH=build/release/python python3 examples/shift.py"
+PYTHONPATH=build/release/python "$python" examples/shift.py

@@ -128,7 +128,8 @@ class Estimator:
     Notes
     -----
     A block reads its points at one place for as long as it is open, so that `step` copies them there. Who writes the points to
-    `pts1` and `pts2` from the start saves the copy, where x and y lie side by side: N-by-2 in C, 2-by-N in F order. One estimator may be used by several threads: steps take turns.
+    `pts1` and `pts2` from the start saves the copy, where x and y lie side by side: N-by-2 in C, 2-by-N in F order. One estimator
+    may be used by several threads: steps take turns.
 
     Examples
     --------

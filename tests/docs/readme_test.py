@@ -1,7 +1,9 @@
 """Runs every command of README and docs and compares the output and the program that they show with what they are.
 
 Usage: readme_test.py SOURCE_FOLDER ESTTFORM EXAMPLE_PROGRAM...
+In the environment ESTTFORM_PYTHON names the interpreter that the Python module is built for; without it Python is left out.
 """
+import json
 import os
 import pathlib
 import re
@@ -17,13 +19,20 @@ readme = (source / "README.md").read_text()
 failures = []
 outputs = {}
 shown = []
+python = os.environ.get("ESTTFORM_PYTHON", "")
+if not python:
+    pages = [page for page in pages if page not in ("docs/python.md", "docs/clusters.md")]
+else:
+    os.environ["PATH"] = f"{pathlib.Path(python).parent}:{os.environ['PATH']}"
 
 
 def run_commands(folder, environment, text):
     """Runs the lines of a block of commands; what is neither esttform nor a tool must be a file of the sources."""
     for line in text.splitlines():
-        program = shlex.split(line)[0]
-        if program in ("cmake", "gcc", "g++", "head", "printf", "cat") or (pathlib.Path(folder) / program).is_file():
+        program = next(word for word in shlex.split(line) if "=" not in word)
+        if program == "python3" and not python:
+            continue
+        if program in ("cmake", "gcc", "g++", "head", "printf", "cat", "python3") or (pathlib.Path(folder) / program).is_file():
             run = subprocess.run(["bash", "-c", line], cwd=folder, env=environment, capture_output=True, text=True)
             if "built without OpenCV" in run.stderr:
                 continue
@@ -32,6 +41,27 @@ def run_commands(folder, environment, text):
                 failures.append(f"{line}: exit code {run.returncode}: {run.stderr}")
         elif not (source / program).is_file():
             failures.append(f"{line}: no such file")
+
+
+# Runs the blocks of a page in one process, as a reader would, and gives what each prints.
+RUN_BLOCKS = """
+import contextlib, io, json, sys
+names, printed = {"__name__": "__main__"}, []
+for block in json.load(sys.stdin):
+    with contextlib.redirect_stdout(io.StringIO()) as output:
+        exec(block, names)
+    printed.append(output.getvalue())
+print(json.dumps(printed))
+"""
+
+
+def run_python(folder, environment, page, blocks):
+    run = subprocess.run([python, "-B", "-c", RUN_BLOCKS], input=json.dumps(blocks), cwd=folder, env=environment,
+                         capture_output=True, text=True)
+    if run.returncode != 0:
+        failures.append(f"{page}: the Python programs fail: {run.stderr}")
+        return
+    outputs.update((f"{page}: {block}", output) for block, output in zip(blocks, json.loads(run.stdout)))
 
 
 for page in pages:
@@ -46,10 +76,14 @@ for page in pages:
         # The font library keeps its configuration until the end, which leak checkers take for lost.
         leaks = pathlib.Path(folder) / "leaks"
         leaks.write_text("leak:libfontconfig\n")
-        environment = {**os.environ, "LSAN_OPTIONS": f"suppressions={leaks}:print_suppressions=0"}
+        environment = {**os.environ, "PYTHONPATH": str(esttform.parents[1] / "python"),
+                       "LSAN_OPTIONS": f"suppressions={leaks}:print_suppressions=0"}
         for language, text in blocks:
             if language == "sh":
                 run_commands(folder, environment, text)
+        programs = [text for language, text in blocks if language == "python"]
+        if programs and python:
+            run_python(folder, environment, page, programs)
 
 for example in examples:
     outputs[str(example)] = subprocess.run([str(example)], capture_output=True, text=True).stdout
