@@ -60,6 +60,8 @@ bool isInterrupted() noexcept
 
 void endInterrupted() noexcept
 {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signal, SIG_IGN);                    // outputs are put in order once
     std::signal(SIGALRM, [](int) { ::_exit(static_cast<int>(ExitCode::Interrupted)); });
     ::alarm(FINISH_SECONDS);
     if (gFinish != nullptr)

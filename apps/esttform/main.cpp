@@ -14,6 +14,7 @@
 #include "options/params_command.h"
 #include "output/output_file.h"
 #include "output/progress.h"
+#include "output/standard_error.h"
 #include "registering/register_command.h"
 #include "stabilise/stabilise_command.h"
 
@@ -42,7 +43,7 @@ ExitCode codeOf(esttform::ErrorKind kind) noexcept
 
 int fail(ExitCode code, const std::string& text)
 {
-    fmt::print(stderr, "esttform: error: {}\n", text);
+    writeToStandardError("esttform: error: " + text + "\n");
     return static_cast<int>(code);
 }
 
@@ -105,11 +106,15 @@ ExitCode run(int argc, char** argv)
     addStabiliseOptions(stabilise, stabiliseOptions);
 
     refuseUnknownCommand(app, argc, argv);
+    const std::string help = argc > 1 && argv[1][0] != '-'
+                                 ? fmt::format("see esttform {} --help", argv[1]) : "see esttform --help";
     try {
         app.parse(argc, argv);
+    } catch (const CLI::ExtrasError&) {
+        throw Failure(fmt::format("not expected: {}; {}", fmt::join(app.remaining(true), " "), help));
     } catch (const CLI::ParseError& e) {
         if (e.get_exit_code() != 0)
-            throw Failure(fmt::format("{}; see esttform --help", e.what()));
+            throw Failure(fmt::format("{}; {}", e.what(), help));
         std::ostringstream text;
         app.exit(e, text, text);
         return printOut(text.str());
@@ -135,7 +140,8 @@ ExitCode run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    std::signal(SIGPIPE, SIG_IGN);                       // a write then fails, and what is half-written is removed
+    for (const int signal : {SIGPIPE, SIGXFSZ})          // a write then fails, and what is half-written is removed
+        std::signal(signal, SIG_IGN);
     watchInterruption([]() noexcept {
         Progress::leave();
         OutputFile::finishAll();

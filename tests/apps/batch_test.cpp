@@ -237,6 +237,7 @@ TEST_F(BatchTest, RefusesWhatCannotBeMeant)
           UsageCase{{empty, "-o", "-"}, "empty: no file in the folder, expected *.csv or *.tsv"},
           UsageCase{{pairs + "/z*", "-o", "-"}, "pairs/z*: no file has such a name"},
           UsageCase{{pairs + "/p1.csv", "-o", pairs + "/p1.csv"}, "is one of the files to read"},
+          UsageCase{{pairs, "-o", pairs + "/p1.csv"}, "is one of the files to read"},
           UsageCase{{pairs, "-o", folder.path("none/out.csv")}, "none/out.csv: cannot write: No such file"},
           UsageCase{{pairs, "-o", "/dev/full.csv/x.csv"}, "cannot write: "},
           UsageCase{{pairs, "-o", "-", "--jobs", "0"}, "--jobs: got \"0\", expected a whole number from 1 to 1024"}}) {
@@ -259,11 +260,19 @@ TEST_F(BatchTest, RefusesWhatCannotBeMeant)
 TEST_F(BatchTest, ListIsSortedAndHoldsEachFileOnce)
 {
     const std::string pairs = folder.path("pairs");
-    EXPECT_EQ(esttform::app::batchFiles({pairs + "/q.tsv", pairs + "/p[21].csv", pairs + "/p1.csv"}, "-"),
+    EXPECT_EQ(esttform::app::batchFiles({pairs + "/q.tsv", pairs + "/p[21].csv", pairs + "/p1.csv"},
+                                         esttform::app::FileIdentity("-")),
               (Words{pairs + "/p1.csv", pairs + "/p2.csv", pairs + "/q.tsv"}));
-    const Words rest = esttform::app::batchFiles({pairs}, pairs + "/p0.csv");
-    EXPECT_EQ(rest.size(), 8u);
-    EXPECT_EQ(rest.front(), pairs + "/p1.csv");
+    // Of a folder: the results of an earlier batch and hidden files are no matches; a link that leads nowhere is told.
+    const Words all = esttform::app::batchFiles({pairs}, esttform::app::FileIdentity("-"));
+    folder.write("pairs/results.csv", "file,seed,");
+    folder.write("pairs/.hidden.csv", "1,2,3,4\n");
+    std::filesystem::create_symlink("nowhere", pairs + "/z.csv");
+    Words more = all;
+    more.push_back(pairs + "/z.csv");
+    EXPECT_EQ(esttform::app::batchFiles({pairs}, esttform::app::FileIdentity(pairs + "/results.csv")), more);
+    std::filesystem::remove(pairs + "/results.csv");
+    EXPECT_EQ(esttform::app::batchFiles({pairs}, esttform::app::FileIdentity(all.front())), more);    // then refused
     EXPECT_EQ(esttform::app::batchSeed(0, 0), 2462723854U);   // later runs go on with the seeds of earlier ones
     EXPECT_EQ(esttform::app::batchSeed(7, 123), 2995101155U);
 }

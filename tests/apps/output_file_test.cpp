@@ -1,5 +1,6 @@
 // Files appear complete or not at all.
 #include "output/output_file.h"
+#include "output/output_paths.h"
 
 #include "failure.h"
 #include "program.h"
@@ -95,13 +96,37 @@ TEST(OutputFileTest, SaysWhyItCannotWrite)
     EXPECT_THROW(full.commit(), Failure);
 }
 
-TEST(OutputFileTest, TellsTheSameOutputByAnyName)
+TEST(OutputPathsTest, OneFileByAnyNameIsRefused)
 {
     const TempFolder folder;
-    EXPECT_TRUE(isSameOutput(folder.path("a.csv"), folder.path("x/../a.csv")));
-    EXPECT_FALSE(isSameOutput(folder.path("a.csv"), folder.path("b.csv")));
-    EXPECT_TRUE(isSameOutput("-", "-"));
-    EXPECT_FALSE(isSameOutput("-", folder.path("a.csv")));
+    const std::string there = folder.write("there.csv", "1"), link = folder.path("link.csv"), hard = folder.path("hard.csv");
+    std::filesystem::create_symlink(there, link);
+    std::filesystem::create_hard_link(there, hard);
+    const std::string none = folder.path("none.csv"), same = folder.path("x/../none.csv");
+    struct Case {
+        std::vector<NamedPath> outputs, inputs;
+        std::string message;
+    };
+    const Case cases[] = {
+        {{{"-a", none}, {"-b", same}}, {}, "-a and -b: both write to " + same},
+        {{{"-a", "none.csv"}, {"-b", "./none.csv"}}, {}, "-a and -b: both write to ./none.csv"},
+        {{{"-a", "-"}, {"-b", ""}, {"-c", "-"}}, {}, "-a and -c: both write to standard output"},
+        {{{"-a", there}, {"-b", none}}, {{"IN", folder.path("other.csv")}}, ""},
+        {{{"-a", "/dev/null"}, {"-b", "/dev/null"}}, {{"IN", "/dev/null"}}, ""},
+        {{{"-a", "-"}}, {{"IN", "-"}}, ""},
+        {{{"-a", there}}, {{"IN", there}}, "-a: " + there + " is read as IN; name another file"},
+        {{{"-a", link}}, {{"", ""}, {"IN", there}}, "-a: " + link + " is read as IN; name another file"},
+        {{{"-a", there}}, {{"IN", hard}}, "-a: " + there + " is read as IN; name another file"},
+    };
+    for (const Case& c : cases) {
+        std::string message;
+        try {
+            refuseWrongOutputs(c.outputs, c.inputs);
+        } catch (const Failure& e) {
+            message = e.what();
+        }
+        EXPECT_EQ(message, c.message);
+    }
 }
 
 }  // namespace

@@ -195,6 +195,7 @@ TEST_P(UsageTest, OneLineAndAnExitCode)
     const TempFolder folder;
     const std::string good = folder.write("pairs.csv", similarityMatches(20));
     const std::string bad = folder.write("bad.csv", "1,2,3,4\n5,6,7,8\n9,1,2,4\n");
+    std::filesystem::create_symlink("loop", folder.path("loop"));
     const Words before = folder.names();
     Words words = GetParam().words;
     for (std::string& word : words)
@@ -212,13 +213,12 @@ TEST_P(UsageTest, OneLineAndAnExitCode)
 const UsageCase USAGES[] = {
     {"tooFewPairs", {"estimate", "BAD"}, 2, "bad.csv: 3 pairs, a projective transformation needs at least 4"},
     {"missingFile", {"estimate", "none.csv"}, 2, "none.csv: cannot open: No such file or directory"},
-    {"noFile", {"estimate"}, 2, "MATCHES is required; see esttform --help"},
+    {"noFile", {"estimate"}, 2, "MATCHES is required; see esttform estimate --help"},
     {"unknownCommand", {"estimat"}, 2, "no command \"estimat\"; 'esttform --help' lists them"},
     {"noCommand", {}, 2, "A subcommand is required; see esttform --help"},
-    {"unknownOption", {"estimate", "PAIRS", "--speed"}, 2,
-     "The following argument was not expected: --speed; see esttform --help"},
+    {"unknownOption", {"estimate", "PAIRS", "--speed", "1"}, 2, "not expected: --speed 1; see esttform estimate --help"},
     {"wrongValue", {"estimate", "PAIRS", "--confidence", "140"}, 2,
-     "--confidence: got \"140\", expected a number from 0 to 100 (percent); see esttform --help"},
+     "--confidence: got \"140\", expected a number from 0 to 100 (percent); see esttform estimate --help"},
     {"contradiction", {"estimate", "PAIRS", "--threshold", "1", "--threshold-px", "1"}, 2,
      "--threshold and --threshold-px: both given, expected one"},
     {"inliersWithoutMask", {"estimate", "PAIRS", "--no-robust", "--inliers", "OUT/in.csv"}, 2,
@@ -230,6 +230,9 @@ const UsageCase USAGES[] = {
     {"plotIsReport", {"estimate", "PAIRS", "--plot", "OUT/a.svg", "--report", "OUT/a.svg"}, 2,
      "--plot and --report: both write to a.svg"},
     {"sameOutput", {"estimate", "PAIRS", "-o", "OUT/a", "--inliers", "OUT/./a"}, 2, "--output and --inliers: both write to ./a"},
+    {"outputIsInput", {"estimate", "PAIRS", "-o", "PAIRS"}, 2, "--output: pairs.csv is read as MATCHES; name another file"},
+    {"noName", {"estimate", "PAIRS", "-o", ""}, 2, "got an empty name for a file to write to"},
+    {"linkLoop", {"estimate", "OUT/loop"}, 2, "loop: cannot open: Too many levels of symbolic links"},
     {"bothToStdout", {"estimate", "PAIRS", "--inliers", "-"}, 2, "--output and --inliers: both write to standard output"},
     {"noFolder", {"estimate", "PAIRS", "-o", "OUT/none/a"}, 2, "none/a: cannot create: No such file or directory"},
     {"badRowLeavesNoFile", {"estimate", "BAD", "--points-type", "uint8", "--columns", "1,2,3,9", "-o", "OUT/a"}, 2,
@@ -274,6 +277,22 @@ TEST(OutputTest, AClosedPipeEndsTheRunQuietlyAndLeavesNoFile)
     EXPECT_EQ(run.code, 2);
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(folder.names(), Words{});
+}
+
+TEST(OutputTest, WhatALimitCutsOffLeavesTheRest)
+{
+    const TempFolder folder;
+    const std::string old(60000, '-');
+    folder.write("old.jsonl", old);
+    for (int i = 0; i < 9; ++i)
+        folder.write("p" + std::to_string(i) + ".csv", similarityMatches(400));
+    const std::string script = "cd '" + folder.path("") + "' && ulimit -f 120 || exit 9; " ESTTFORM_PROGRAM " batch 'p*.csv' -o - -q 2>/dev/null >>old.jsonl; "
+                               "[ $? = 2 ] && " ESTTFORM_PROGRAM " estimate none.csv 2>/dev/full; [ $? = 2 ] && "
+                               ESTTFORM_PROGRAM " estimate p0.csv --plot p.svg -q 2>&-; [ $? = 2 ] && touch told";
+    EXPECT_EQ(std::system(("(" + script + ") > /dev/null").c_str()), 0) << script;
+    EXPECT_EQ(readFile(folder.path("old.jsonl")).substr(0, old.size()), old);
+    EXPECT_TRUE(std::filesystem::exists(folder.path("told")));
+    EXPECT_EQ(folder.names().size(), 11u);               // no picture, nor a part of it
 }
 
 // ---- The other commands

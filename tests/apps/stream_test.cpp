@@ -112,7 +112,7 @@ TEST(StreamTest, FollowWaitsForMoreLines)
     RunSetting setting;
     setting.meanwhile = [&](pid_t program) {
         std::ofstream(path, std::ios::app) << text.substr(half);
-        waitUntil([&] { return lineNumIn(unfinished(folder, "out.jsonl")) == 3; });
+        waitUntil([&] { return std::filesystem::exists(folder.path("out.jsonl")) && lineNumIn(readFile(folder.path("out.jsonl"))) == 3; });
         kill(program, SIGINT);
     };
     EXPECT_EQ(runProgram(estimate({path, "--follow", "-o", folder.path("out.jsonl")}), setting).code, 130);
@@ -120,6 +120,7 @@ TEST(StreamTest, FollowWaitsForMoreLines)
     EXPECT_EQ(followed, all.substr(0, followed.size()));
     EXPECT_EQ(lineNumIn(followed), 3);
 
+    EXPECT_NE(runProgram(estimate({path, "--follow", "--plot", "a.svg"})).err.find("--plot: no effect with --follow"), std::string::npos);
     EXPECT_NE(runProgram(estimate({"-", "--follow"})).err.find("--follow: got standard input, expected a file"), std::string::npos);
     const std::string noFrames = folder.write("single.csv", similarityMatches(9));
     EXPECT_NE(runProgram(estimate({noFrames, "--follow"})).err.find("single.csv: no column frame"), std::string::npos);

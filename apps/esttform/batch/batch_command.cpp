@@ -8,8 +8,9 @@
 #include "interruption.h"
 #include "number_text.h"
 #include "options/option_checks.h"
-#include "output/output_file.h"
+#include "output/output_paths.h"
 #include "output/progress.h"
+#include "output/standard_error.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -56,7 +57,7 @@ void printSummary(const BatchCounts& counts, std::int64_t fileNum, std::int64_t 
         text += fmt::format("; {} done before", keptNum);
     if (counts.sum() < fileNum)
         text += fmt::format("; {} left, --resume goes on", fileNum - counts.sum());
-    fmt::print(stderr, "esttform: {}\n", text);
+    writeToStandardError(fmt::format("esttform: {}\n", text));
 }
 
 }  // namespace
@@ -98,10 +99,11 @@ ExitCode runBatch(const BatchOptions& o)
     const Format format = formatOfOutput(o.outputPath);
     if (o.isResume && o.outputPath == "-")
         throw Failure("--resume: no effect with standard output; name a file with --output");
-    const std::vector<std::string> files = batchFiles(o.inputs, o.outputPath);
+    const FileIdentity output(o.outputPath);
+    const std::vector<std::string> files = batchFiles(o.inputs, output);
     const auto fileNum = static_cast<std::int64_t>(files.size());
     for (const std::string& file : files)
-        if (isSameOutput(file, o.outputPath))
+        if (output.isSameAsExisting(file))
             throw Failure(fmt::format("--output: {} is one of the files to read", o.outputPath));
         else if (format == Format::Csv && file.find('\n') != std::string::npos)
             throw Failure(fmt::format("{}: a name with a line break; write the results to a .jsonl file", inQuotes(file)));
@@ -126,7 +128,7 @@ ExitCode runBatch(const BatchOptions& o)
                                : unpacked(answer);
             if (!entry.messages.empty()) {
                 progress.hide();
-                fmt::print(stderr, "{}", entry.messages);
+                writeToStandardError(entry.messages);
             }
             results.append(entry.line);
             counts.add(entry.outcome);

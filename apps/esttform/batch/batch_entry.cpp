@@ -159,7 +159,7 @@ BatchEntry BatchEstimator::estimateFile(const std::string& file, std::uint32_t s
                              result.isFound() || result.error ? "" : reasonNotFound(frame.pairs, mSetup));
     if (diagnosis && result.isFound() && !diagnosis->isTrusted())
         warn(fmt::format("not to be trusted: {}", warningCodes(*diagnosis)));
-    return {result.isFound() ? BatchOutcome::Found : BatchOutcome::NotFound,
+    return {result.isFound() ? BatchOutcome::Found : result.error ? BatchOutcome::Bad : BatchOutcome::NotFound,
             mFormat.line(file, seed, result, diagnosis ? &*diagnosis : nullptr), messages};
 }
 

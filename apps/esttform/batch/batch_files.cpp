@@ -1,7 +1,6 @@
 #include "batch/batch_files.h"
 
 #include "failure.h"
-#include "output/output_file.h"
 
 #include <fmt/format.h>
 #include <glob.h>
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <fstream>
 
 namespace esttform::app {
 
@@ -30,7 +30,9 @@ std::vector<std::string> filesOfFolder(const std::string& folder)
     std::error_code fault;
     for (fs::directory_iterator entry(folder, fault), end; !fault && entry != end; entry.increment(fault)) {
         std::error_code ignored;
-        if (isTable(entry->path()) && entry->is_regular_file(ignored))
+        const fs::file_type type = entry->status(ignored).type();    // of a link that leads nowhere: not found; it is reported
+        const bool isHidden = entry->path().filename().native()[0] == '.';
+        if (isTable(entry->path()) && !isHidden && (type == fs::file_type::regular || type == fs::file_type::not_found))
             files.push_back(entry->path().string());
     }
     if (fault)
@@ -51,9 +53,19 @@ std::vector<std::string> filesOfPattern(const std::string& pattern)
     return files;
 }
 
+/// True for the results of an earlier batch, which are no matches.
+bool isOfBatch(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::string start(9, '\0');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<std::size_t>(file.gcount()));
+    return start.empty() || start == "file,seed" || start == "{\"file\":\"";
+}
+
 }  // namespace
 
-std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, const std::string& outputPath)
+std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, const FileIdentity& output)
 {
     std::vector<std::string> files;
     for (const std::string& argument : arguments) {
@@ -65,7 +77,7 @@ std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, c
             continue;
         }
         for (std::string& file : isFolder ? filesOfFolder(argument) : filesOfPattern(argument))
-            if (!isSameOutput(file, outputPath))
+            if (!output.isSameAsExisting(file) || !isOfBatch(file))
                 files.push_back(std::move(file));
     }
     std::sort(files.begin(), files.end());

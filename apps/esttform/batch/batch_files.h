@@ -1,6 +1,8 @@
 // The files of a batch in their order.
 #pragma once
 
+#include "output/output_paths.h"
+
 #include <string>
 #include <vector>
 
@@ -10,8 +12,8 @@ namespace esttform::app {
 ///
 /// @param arguments   files; folders, of which the files *.csv and *.tsv are taken; patterns with * ? [ that no file has
 ///                    as its name
-/// @param outputPath  left out where it is found in a folder or by a pattern
+/// @param output  where it is found in a folder or by a pattern and holds the results of a batch, it is left out
 /// @throws Failure  a folder that cannot be read or has no such file, a pattern that nothing matches
-std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, const std::string& outputPath);
+std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, const FileIdentity& output);
 
 }  // namespace esttform::app

@@ -36,6 +36,7 @@ BatchResults::BatchResults(const std::string& path, const BatchFormat& format, b
         try {
             if (isResume && isFile)
                 keep(format, files, seed);
+            mIsFile = isFile;
             if (isFile && (::ftruncate(mFile, mSize) != 0 || ::lseek(mFile, mSize, SEEK_SET) < 0))
                 fail("write", errno);
         } catch (...) {
@@ -101,7 +102,7 @@ void BatchResults::append(const std::string& line)
         const ssize_t written = ::write(mFile, line.data() + doneNum, line.size() - doneNum);
         if (written < 0 && errno != EINTR) {
             const int errorCode = errno;
-            if (doneNum > 0 && ::ftruncate(mFile, mSize) != 0)
+            if (doneNum > 0 && mIsFile && ::ftruncate(mFile, mSize) != 0)
                 fail("write", errno);
             fail("write", errorCode);
         }

@@ -48,6 +48,7 @@ private:
 
     std::string mPath;
     int mFile = -1;
+    bool mIsFile = false;  ///< and no pipe, device or standard output: it may be cut
     std::int64_t mSize = 0;   ///< of the complete lines, in bytes
     BatchCounts mKept;
 };

@@ -104,7 +104,11 @@ void WorkerPool::start(Worker& worker)
         }
         ::close(tasks[1]);
         ::close(answers[0]);
-        serve(tasks[0], answers[1]);
+        try {
+            serve(tasks[0], answers[1]);
+        } catch (...) {
+            ::_exit(static_cast<int>(ExitCode::OurFault));   // the objects here are the starter's to end
+        }
         ::_exit(0);
     }
     const int errorCode = errno;

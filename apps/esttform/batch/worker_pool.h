@@ -15,7 +15,7 @@ namespace esttform::app {
 
 class WorkerPool {
 public:
-    /// One task, in a worker. What is thrown ends the worker, so nothing should be.
+    /// One task, in a worker. What is thrown ends the worker.
     using Work = std::function<std::string(std::int64_t task)>;
     /// One answer. Empty text never is an answer: the worker ended over the task, for the reason given.
     using Take = std::function<void(std::int64_t task, const std::string& answer, const std::string& fault)>;

@@ -6,6 +6,7 @@
 #include "number_text.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"
+#include "output/output_paths.h"
 
 #include <fmt/format.h>
 
@@ -104,6 +105,7 @@ ExitCode runCompare(const CompareOptions& o)
         throw Failure("--ignore-missing: no effect without --tolerance");
     if (o.rightPx && o.matchesPath.empty())
         throw Failure("--right-px: no effect without --matches");
+    refuseWrongOutputs({{"--output", o.outputPath}}, {{"A", o.aPath}, {"B", o.bPath}, {"--matches", o.matchesPath}});
     ReadResult a = readResult(o.aPath, o.layoutA == "rows"), b = readResult(o.bPath, o.layoutB == "rows");
     if (!o.matchesPath.empty()) {
         if (a.isTruth == b.isTruth)

@@ -7,6 +7,7 @@
 #include "interruption.h"
 #include "number_text.h"
 #include "options/option_checks.h"
+#include "output/output_paths.h"
 #include "output/progress.h"
 
 #include <fmt/format.h>
@@ -19,7 +20,7 @@ namespace esttform::app {
 
 namespace {
 
-void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
+void refuseWrongOptions(const EstimateOptions& o, const BlockSetup& setup)
 {
     if (!o.inliersPath.empty() && !setup.hasInlierOutput)
         throw Failure("--inliers: the block has no inlier output with these settings; leave out --no-robust and "
@@ -32,8 +33,10 @@ void refuseWrongOutputs(const EstimateOptions& o, const BlockSetup& setup)
         throw Failure(fmt::format("{}: no effect without --plot or --report", o.image1Path.empty() ? "--image2" : "--image1"));
     if (o.plotPath == "-")
         throw Failure("--plot: got \"-\", expected a file");
-    refuseSameOutputs({{"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath},
-                       {"--report", o.reportPath}});
+    if (o.input.isFollowed && !(o.plotPath.empty() && o.reportPath.empty()))
+        throw Failure(fmt::format("{}: no effect with --follow, which never comes to an end", o.plotPath.empty() ? "--report" : "--plot"));
+    refuseWrongOutputs({{"--output", o.outputPath}, {"--inliers", o.inliersPath}, {"--plot", o.plotPath}, {"--report", o.reportPath}},
+                       {{"MATCHES", o.input.path}, {"--image1", o.image1Path}, {"--image2", o.image2Path}});
 }
 
 /// Reads the images and says when the points of a scene do not lie on them.
@@ -98,7 +101,7 @@ void addEstimateOptions(CLI::App& command, EstimateOptions& o)
 ExitCode runEstimate(const EstimateOptions& o)
 {
     const BlockSetup setup = resolveBlockOptions(o.block);
-    refuseWrongOutputs(o, setup);
+    refuseWrongOptions(o, setup);
     const PlotFormat plotFormat = o.plotPath.empty() ? PlotFormat::Svg : plotFormatOf(o.plotPath);
     const std::shared_ptr<const Picture> image1 = imageOf(o.image1Path), image2 = imageOf(o.image2Path);
 
@@ -111,10 +114,13 @@ ExitCode runEstimate(const EstimateOptions& o)
 
     Estimator estimator = openEstimator(setup, source);
     const Layout layout = estimator.layout();
-    OutputFile output(o.outputPath, Unfinished::Keep);
+    if (o.plotStep && !source.isStreamed() && *o.plotStep >= source.stepNum())
+        throw Failure(fmt::format("--plot-step: got {}, expected a step from 0 to {}", *o.plotStep, source.stepNum() - 1));
+    const Unfinished unfinished = o.input.isFollowed ? Unfinished::InPlace : Unfinished::Keep;
+    OutputFile output(o.outputPath, unfinished);
     std::unique_ptr<InlierWriter> inlierWriter;
     if (!o.inliersPath.empty())
-        inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header());
+        inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header(), unfinished);
     std::unique_ptr<OutputFile> plotFile, reportFile;
     if (!o.plotPath.empty())
         plotFile = std::make_unique<OutputFile>(o.plotPath);
@@ -141,10 +147,12 @@ ExitCode runEstimate(const EstimateOptions& o)
                                  result.isFound() || result.error ? "" : reasonNotFound(frame->pairs, setup));
         const InterruptionHold hold;                     // a step is written to all its outputs or to none
         writer.write(label, result, diagnosis && isDiagnosisWritten ? &*diagnosis : nullptr);
-        if (source.isStreamed())
-            output.flush();
         if (inlierWriter)
             inlierWriter->write(*frame, result);
+        if (source.isStreamed())
+            output.flush();
+        if (inlierWriter && o.input.isFollowed)
+            inlierWriter->flush();
         if (plotFile || reportFile)
             shownStep.offer(label, *frame, result, layout, setup, diagnosis ? notesOf(*diagnosis) : std::vector<DiagnosisNote>());
         if (!result.warnings.empty() || !result.isFound() || (diagnosis && !diagnosis->isTrusted()))
@@ -167,6 +175,9 @@ ExitCode runEstimate(const EstimateOptions& o)
         warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
                                                   counted(source.pairNum(), "pair"),
                                                   setup.isRobust ? "; they are never inliers" : ""));
+    output.commit();                                     // a picture that fails takes no results with it
+    if (inlierWriter)
+        inlierWriter->commit();
     if (plotFile || reportFile) {
         Report& report = shownStep.report(label.step);
         addImages(report.scene, image1, image2, warnings);
@@ -178,10 +189,6 @@ ExitCode runEstimate(const EstimateOptions& o)
         if (reportFile)
             reportFile->write(renderReport(report, setup));
     }
-
-    output.commit();
-    if (inlierWriter)
-        inlierWriter->commit();
     if (plotFile)
         plotFile->commit();
     if (reportFile)

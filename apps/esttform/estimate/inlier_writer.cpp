@@ -2,7 +2,7 @@
 
 namespace esttform::app {
 
-InlierWriter::InlierWriter(const std::string& path, const std::string& header) : mOutput(path, Unfinished::Keep)
+InlierWriter::InlierWriter(const std::string& path, const std::string& header, Unfinished unfinished) : mOutput(path, unfinished)
 {
     mOutput.write(header + ",inlier\n");
 }

@@ -13,13 +13,14 @@ public:
     ///
     /// @param header  of the input, comma-separated
     /// @throws Failure  as OutputFile
-    InlierWriter(const std::string& path, const std::string& header);
+    InlierWriter(const std::string& path, const std::string& header, Unfinished unfinished);
 
     /// Writes the rows of one step. A step that the block refused has no inliers.
     ///
     /// @param frame  read with keepRows
     void write(const MatchFrame& frame, const StepResult& result);
 
+    void flush() { mOutput.flush(); }
     void commit() { mOutput.commit(); }
 
 private:

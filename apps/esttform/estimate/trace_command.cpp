@@ -3,6 +3,7 @@
 #include "estimate/block_run.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"
+#include "output/output_paths.h"
 
 #include <limits>
 
@@ -27,6 +28,7 @@ ExitCode runTrace(const TraceOptions& o)
     readerOptions.columns = o.input.columns;
     FrameSource source(o.input, readerOptions, setup.sampleSize(), setup.typeText());
 
+    refuseWrongOutputs({{"--output", o.outputPath}}, {{"MATCHES", o.input.path}});
     OutputFile output(o.outputPath);
     std::string lines;                                   // of calls: written between them, where a failure may be thrown
     const auto traceLine = [&lines](std::string_view line) { (lines += line) += '\n'; };

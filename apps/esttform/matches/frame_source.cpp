@@ -22,6 +22,12 @@ ReaderOptions readerOptionsOf(const InputOptions& input, ReaderOptions options)
     return options;
 }
 
+bool isFile(const std::string& path) noexcept
+{
+    std::error_code ignored;                             // the reader says what is wrong with a path
+    return std::filesystem::is_regular_file(path, ignored);
+}
+
 }  // namespace
 
 void addInputOptions(CLI::App& command, InputOptions& options)
@@ -43,7 +49,7 @@ void addInputOptions(CLI::App& command, InputOptions& options)
 
 FrameSource::FrameSource(const InputOptions& input, const ReaderOptions& options, int sampleSize, const char* typeText)
     : mIsBounded(input.maxPtsNum.has_value()),
-      mIsStreamed(mIsBounded || input.isFollowed || input.path == "-" || !std::filesystem::is_regular_file(input.path)),
+      mIsStreamed(mIsBounded || input.isFollowed || input.path == "-" || !isFile(input.path)),
       mSampleSize(sampleSize), mTypeText(typeText), mMaxPtsNum(input.maxPtsNum.value_or(sampleSize)),
       mReader(input.path, readerOptionsOf(input, options))
 {
@@ -53,6 +59,7 @@ FrameSource::FrameSource(const InputOptions& input, const ReaderOptions& options
         return;
     if (mIsStreamed || !mReader.hasFrames()) {
         mHasFrame = read(mReader, mFrame);
+        mStepNum = mReader.hasFrames() ? 0 : 1;
     } else {
         MatchReader scanner(input.path, options);
         while (read(scanner, mFrame))

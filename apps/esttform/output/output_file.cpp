@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 namespace esttform::app {
 
@@ -53,6 +54,8 @@ OutputFile::OutputFile(const std::string& path, Unfinished unfinished) : mUnfini
 
 void OutputFile::openFile()
 {
+    if (mPath.empty())
+        throw Failure("got an empty name for a file to write to");
     mTarget = resolved(mPath).string();
     struct stat status {};
     const bool isThere = ::stat(mTarget.c_str(), &status) == 0;
@@ -60,6 +63,8 @@ void OutputFile::openFile()
         fail("write", EISDIR);
     if (isThere && !S_ISREG(status.st_mode)) {
         mFile = ::open(mTarget.c_str(), O_WRONLY | O_CLOEXEC);
+    } else if (mUnfinished == Unfinished::InPlace) {
+        mFile = ::open(mTarget.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, NEW_FILE_MODE);
     } else {
         if (isThere && ::access(mTarget.c_str(), W_OK) != 0)
             fail("write", errno);
@@ -157,25 +162,6 @@ void OutputFile::finishAll() noexcept
     for (OutputFile* file = sFirst; file != nullptr; file = file->mNext)
         if (file->mTemporary.empty() && file->mFile >= 0)
             file->writeBuffer();
-}
-
-bool isSameOutput(const std::string& path1, const std::string& path2)
-{
-    if (path1 == "-" || path2 == "-")
-        return path1 == path2;
-    return resolved(path1) == resolved(path2);
-}
-
-void refuseSameOutputs(const std::vector<std::pair<const char*, std::string>>& outputs)
-{
-    for (const auto& output : outputs)
-        for (const auto& earlier : outputs) {
-            if (&earlier == &output)
-                break;
-            if (!earlier.second.empty() && !output.second.empty() && isSameOutput(earlier.second, output.second))
-                throw Failure(fmt::format("{} and {}: both write to {}", earlier.first, output.first,
-                                          output.second == "-" ? "standard output" : output.second));
-        }
 }
 
 }  // namespace esttform::app

@@ -1,11 +1,10 @@
 // OutputFile: standard output, or a file that appears complete or not at all.
-// A file is written to a temporary beside it and takes its name when committed.
+// A file is written to a temporary beside it and takes its name when committed; one that others read meanwhile is written
+// in place.
 #pragma once
 
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace esttform::app {
 
@@ -13,6 +12,7 @@ namespace esttform::app {
 enum class Unfinished {
     Drop,  ///< it does not appear
     Keep,  ///< it appears with what was written, if anything was
+    InPlace,  ///< it has been there from the start, with what was written so far
 };
 
 class OutputFile {
@@ -56,13 +56,5 @@ private:
     int mFile = -1;
     std::string mBuffer;
 };
-
-/// True if both paths name one output.
-bool isSameOutput(const std::string& path1, const std::string& path2);
-
-/// Refuses two options that write to one output; empty paths are not given.
-///
-/// @throws Failure  naming both options
-void refuseSameOutputs(const std::vector<std::pair<const char*, std::string>>& outputs);
 
 }  // namespace esttform::app

@@ -1,11 +1,12 @@
 #include "output/progress.h"
 
+#include "output/standard_error.h"
+
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 
 namespace esttform::app {
 
@@ -56,20 +57,21 @@ void Progress::show(std::int64_t doneNum)
     const Clock::time_point now = Clock::now();
     mNext = now + INTERVAL;
     gIsOnScreen = 1;
-    fmt::print(stderr, "\r{}\x1b[K", lineOf(mUnit, doneNum, mTotalNum, std::chrono::duration<double>(now - mBegin).count()));
+    writeToStandardError(fmt::format("\r{}\x1b[K", lineOf(mUnit, doneNum, mTotalNum,
+                                                         std::chrono::duration<double>(now - mBegin).count())));
 }
 
 void Progress::hide()
 {
     if (gIsOnScreen != 0)
-        fmt::print(stderr, "\r\x1b[K");
+        writeToStandardError("\r\x1b[K");
     gIsOnScreen = 0;
 }
 
 void Progress::leave() noexcept
 {
     if (gIsOnScreen != 0)
-        (void)!::write(STDERR_FILENO, "\n", 1);
+        writeToStandardError("\n");
 }
 
 }  // namespace esttform::app

@@ -1,9 +1,10 @@
 // Warnings: printed to standard error unless they are not wanted, and kept for a report.
 #pragma once
 
+#include "output/standard_error.h"
+
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,7 +21,7 @@ public:
     void print(const std::string& where, const std::string& text)
     {
         if (!mIsQuiet)
-            fmt::print(stderr, "esttform: warning: {}: {}\n", where, text);
+            writeToStandardError(fmt::format("esttform: warning: {}: {}\n", where, text));
         if (mKept.size() < KEPT_MAX_NUM)
             mKept.emplace_back(where, text);
     }

@@ -6,6 +6,7 @@
 #include "number_text.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"
+#include "output/output_paths.h"
 #include "plot/plot_scene.h"
 #include "registering/register_pictures.h"
 #include "report/report.h"
@@ -23,8 +24,9 @@ void refuseWrongOptions(const RegisterOptions& o, const BlockSetup& setup)
     if (setup.pointsType != DataType::Double && setup.pointsType != DataType::Single)
         throw Failure(fmt::format("--points-type: got {}, expected double or single: features lie between pixels",
                                   typeName(setup.pointsType)));
-    refuseSameOutputs({{"--output", o.outputPath}, {"--matches", o.matchesPath}, {"--plot", o.plotPath},
-                       {"--report", o.reportPath}, {"--warped", o.warpedPath}, {"--blended", o.blendedPath}});
+    refuseWrongOutputs({{"--output", o.outputPath}, {"--matches", o.matchesPath}, {"--plot", o.plotPath},
+                       {"--report", o.reportPath}, {"--warped", o.warpedPath}, {"--blended", o.blendedPath}},
+                       {{"IMAGE1", o.image1Path}, {"IMAGE2", o.image2Path}});
     for (const auto& [option, path] : {std::pair{"--warped", o.warpedPath}, std::pair{"--blended", o.blendedPath}})
         if (!path.empty())
             checkPictureName(option, path);

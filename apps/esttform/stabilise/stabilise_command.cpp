@@ -6,6 +6,7 @@
 #include "number_text.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"
+#include "output/output_paths.h"
 #include "output/warnings.h"
 #include "stabilise/plot_trajectory.h"
 #include "stabilise/trajectory_writer.h"
@@ -167,7 +168,7 @@ ExitCode runStabilise(const StabiliseOptions& o)
 {
     const BlockSetup setup = resolveBlockOptions(o.block);
     const PlotFormat plotFormat = o.plotPath.empty() ? PlotFormat::Svg : plotFormatOf(o.plotPath);
-    refuseSameOutputs({{"--output", o.outputPath}, {"--plot", o.plotPath}});
+    refuseWrongOutputs({{"--output", o.outputPath}, {"--plot", o.plotPath}}, {{"MATCHES", o.input.path}});
     OutputFile output(o.outputPath);
     const auto plotFile = o.plotPath.empty() ? nullptr : std::make_unique<OutputFile>(o.plotPath);
     Warnings warnings(o.isQuiet);
