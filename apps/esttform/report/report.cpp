@@ -14,12 +14,6 @@ namespace esttform::app {
 
 namespace {
 
-/// A number for people; no sign on a zero.
-std::string shortNumber(double value)
-{
-    return fmt::format("{:.9g}", value + 0.0);
-}
-
 std::string heading(const Report& report)
 {
     const auto inlierNum = std::count(report.scene.inliers.begin(), report.scene.inliers.end(), 1);
