@@ -1,6 +1,7 @@
 #include "code_labels.h"
 
 #include "data_types.h"
+#include "dialog_params.h"
 #include "point_block.h"
 
 #include <fmt/format.h>
@@ -18,25 +19,26 @@ int codeAt(const Params& params, std::size_t idx) noexcept
 
 std::vector<std::string> settingsOf(const Params& params)
 {
-    if (!blockhost::isFlagSet(params[1]))
+    if (!blockhost::isFlagSet(params[EXCLUDE_OUTLIERS]))
         return {"one least-squares fit to all pairs, wrong ones included"};
-    const bool isMedian = codeAt(params, 2) == 2;
+    const bool isMedian = codeAt(params, METHOD) == static_cast<int>(Method::Median);
     std::vector<std::string> lines;
     if (isMedian)
         lines.emplace_back("score of a candidate: median of the squared algebraic distances of all pairs");
     else
         lines.push_back(fmt::format("score of a candidate: sum of the squared algebraic distances of all pairs, each at most {}",
-                                    params[sampleSizeOf(params) == 4 ? 3 : 4]));
+                                    params[sampleSizeOf(params) == 4 ? DIS_THR_PROJECTIVE : DIS_THR_AFFINE]));
     lines.push_back(fmt::format("samples: {} distinct pairs each, {}", sampleSizeOf(params),
-                                blockhost::isFlagSet(params[16]) ? "drawn at random" : "stepping cyclically through the pairs"));
-    if (!isMedian && codeAt(params, 5) == 2)
-        lines.push_back(fmt::format("number of samples: at most {}, fewer when a confidence of {} percent is reached", params[6],
-                                    params[8]));
+                                blockhost::isFlagSet(params[RANDOM_SAMPLING]) ? "drawn at random" : "stepping cyclically through the pairs"));
+    if (!isMedian && codeAt(params, SAMPLE_NUM_SOURCE) == static_cast<int>(SAMPLE_NUM_FROM_CONFIDENCE))
+        lines.push_back(fmt::format("number of samples: at most {}, fewer when a confidence of {} percent is reached",
+                                    params[MAX_RANDOM_SAMPLING], params[DESIRED_CONFIDENCE]));
     else
-        lines.push_back(fmt::format("number of samples: {}", params[7]));
-    if (!isMedian && blockhost::isFlagSet(params[9]))
-        lines.push_back(fmt::format("sampling stops once {} percent of the pairs are inliers", params[10]));
-    lines.emplace_back(blockhost::isFlagSet(params[11]) ? "refits on the inliers: while they improve the score, at most as many as samples"
+        lines.push_back(fmt::format("number of samples: {}", params[NUM_RANDOM_SAMPLING]));
+    if (!isMedian && blockhost::isFlagSet(params[BREAK_BY_PERCENTAGE]))
+        lines.push_back(fmt::format("sampling stops once {} percent of the pairs are inliers", params[INLIER_PERCENTAGE]));
+    lines.emplace_back(blockhost::isFlagSet(params[REFINE_ITERATIVELY])
+                           ? "refits on the inliers: while they improve the score, at most as many as samples"
                                                         : "refits on the inliers: one");
     lines.push_back(fmt::format("work of a step: for each sample and refit one fit and {}",
                                 isMedian ? "a selection among the distances of all pairs" : "at most one pass over all pairs"));
@@ -47,7 +49,7 @@ std::vector<std::string> settingsOf(const Params& params)
 
 int sampleSizeOf(const Params& params) noexcept
 {
-    return codeAt(params, 0) + 1;
+    return codeAt(params, TRANSFORM_TYPE) + 1;
 }
 
 std::string purposeOf(const PointModel& model)
@@ -60,7 +62,7 @@ std::string purposeOf(const PointModel& model)
     return fmt::format("Estimates {} transformation from {}{} matched points{}: {} for a point (x1, y1) of Pts1 and its match "
                        "(x2, y2) in Pts2.",
                        TYPES[sampleSize - 2], model.isVariableSize ? "up to " : "", model.maxPtsNum,
-                       blockhost::isFlagSet(model.params[1]) ? " in spite of wrong matches" : " by least squares", action);
+                       blockhost::isFlagSet(model.params[EXCLUDE_OUTLIERS]) ? " in spite of wrong matches" : " by least squares", action);
 }
 
 BlockLabels labelsOf(const PointModel& model)

@@ -1,3 +1,4 @@
+#include "dialog_params.h"
 #include "estimator.h"
 
 #include <fmt/format.h>
@@ -73,24 +74,24 @@ Params toParams(const Settings& settings)
     checkTypes(settings);
     const auto code = [](auto value) { return static_cast<double>(value); };
     Params params{};
-    params[0] = code(settings.type);
-    params[1] = code(settings.isRobust);
-    params[2] = code(settings.method);
-    params[3] = settings.threshold;
-    params[4] = settings.threshold;
-    params[5] = settings.confidence ? 2 : 1;
-    params[6] = settings.sampleNum;
-    params[7] = settings.sampleNum;
-    params[8] = settings.confidence.value_or(DEFAULT_CONFIDENCE);
-    params[9] = code(settings.stopAtInliers.has_value());
-    params[10] = settings.stopAtInliers.value_or(DEFAULT_INLIER_PERCENTAGE);
-    params[11] = code(settings.isRefineIteratively);
-    params[12] = code(settings.isOutputInliers);
-    params[13] = 1;
-    params[14] = settings.tformType == DataType::Single ? 1 : 2;
-    params[15] = 0;
-    params[16] = code(settings.sampling);
-    params[17] = code(settings.layout);
+    params[TRANSFORM_TYPE] = code(settings.type);
+    params[EXCLUDE_OUTLIERS] = code(settings.isRobust);
+    params[METHOD] = code(settings.method);
+    params[DIS_THR_PROJECTIVE] = settings.threshold;
+    params[DIS_THR_AFFINE] = settings.threshold;
+    params[SAMPLE_NUM_SOURCE] = settings.confidence ? SAMPLE_NUM_FROM_CONFIDENCE : SAMPLE_NUM_SPECIFIED;
+    params[MAX_RANDOM_SAMPLING] = settings.sampleNum;
+    params[NUM_RANDOM_SAMPLING] = settings.sampleNum;
+    params[DESIRED_CONFIDENCE] = settings.confidence.value_or(DEFAULT_CONFIDENCE);
+    params[BREAK_BY_PERCENTAGE] = code(settings.stopAtInliers.has_value());
+    params[INLIER_PERCENTAGE] = settings.stopAtInliers.value_or(DEFAULT_INLIER_PERCENTAGE);
+    params[REFINE_ITERATIVELY] = code(settings.isRefineIteratively);
+    params[OUTPUT_INLIERS] = code(settings.isOutputInliers);
+    params[RESERVED_CODE] = 1;
+    params[TFORM_TYPE_FOR_INTEGERS] = settings.tformType == DataType::Single ? TFORM_SINGLE : TFORM_DOUBLE;
+    params[RESERVED_FLAG] = 0;
+    params[RANDOM_SAMPLING] = code(settings.sampling);
+    params[POINTS_IN_ROWS] = code(settings.layout);
     return params;
 }
 

@@ -2,6 +2,7 @@
 
 #include "block_path.h"
 #include "data_types.h"
+#include "dialog_params.h"
 
 #include <fmt/format.h>
 
@@ -16,8 +17,6 @@ using esttform::Layout;
 
 namespace {
 
-constexpr int ROWS_PARAM = 17;
-
 /// The longest work vector has 2 * points * 9 elements, and its width is a 32-bit number.
 constexpr std::int32_t MAX_PTS_NUM = std::numeric_limits<std::int32_t>::max() / 18;
 
@@ -30,7 +29,7 @@ bool isFlagSet(double value) noexcept
 
 Layout layoutOf(const esttform::Params& params) noexcept
 {
-    return isFlagSet(params[ROWS_PARAM]) ? Layout::Rows : Layout::Columns;
+    return isFlagSet(params[esttform::POINTS_IN_ROWS]) ? Layout::Rows : Layout::Columns;
 }
 
 Dims sizeOfPoints(Layout layout, std::int32_t ptsNum) noexcept

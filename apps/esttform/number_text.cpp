@@ -67,6 +67,20 @@ std::string exactText(double value)
     return fmt::format("{}", value);
 }
 
+std::string shortNumber(double value)
+{
+    return fmt::format("{:.9g}", value + 0.0);
+}
+
+std::optional<std::array<double, 2>> parseTwoReals(std::string_view text, char separator) noexcept
+{
+    const std::size_t at = text.find(separator);
+    if (at == std::string_view::npos)
+        return std::nullopt;
+    const auto first = parseReal(text.substr(0, at)), second = parseReal(text.substr(at + 1));
+    return first && second ? std::optional(std::array<double, 2>{*first, *second}) : std::nullopt;
+}
+
 std::string inQuotes(std::string_view text)
 {
     std::string shown = "\"";

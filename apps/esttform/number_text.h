@@ -2,6 +2,7 @@
 // Every reader and writer of the program uses these, so that a number means the same everywhere.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -30,6 +31,12 @@ std::optional<std::int64_t> parseWhole(std::string_view text) noexcept;
 
 /// Shortest text that reads back to the same double.
 std::string exactText(double value);
+
+/// A number for people: nine digits are more than any coordinate needs, and a zero has no sign.
+std::string shortNumber(double value);
+
+/// Two numbers with a separator in between ("0.5,0.5", "640x480").
+std::optional<std::array<double, 2>> parseTwoReals(std::string_view text, char separator) noexcept;
 
 /// Text from outside in quotes for a message: at most 40 bytes of it, bytes that do not print as \xNN.
 std::string inQuotes(std::string_view text);

@@ -67,9 +67,9 @@ TEST(CompareTest, MatchesStepsByFrameAndNamesWhatIsMissing)
     const std::string shifted = "[[1,0,0.5],[0,1,0],[0,0,1]]";
     const std::string truth = folder.write("truth.json", "{\n\"frame_size\": [640, 480],\n\"matrices\": [" + shifted + "," + shifted +
                                                              "," + shifted + "," + shifted + "]}");
-    const std::string matches = folder.write("matches.csv", "frame,x1,y1,x2,y2\n0,0,0,0,0\n0,9,9,9,9\n0,9,0,9,3\n0,9,0,99,3\n"
+    const std::string matches = folder.write("matches.csv", "frame,p,q,x2,y2\n0,0,0,0,0\n0,9,9,9,9\n0,9,0,9,3\n0,9,0,99,3\n"
                                                             "2,0,0,0,0\n2,9,9,99,9\n2,1,1,1,1\n2,5,5,5,55\n");
-    const json all = comparison({a, truth, "--matches", matches, "--tolerance", "0.6"});
+    const json all = comparison({a, truth, "--matches", matches, "--columns", "p,q,x2,y2,frame", "--tolerance", "0.6"});
     ASSERT_EQ(all["steps"].size(), 4u);
     EXPECT_EQ(all["steps"][0]["inliers"], json({{"a", 2}, {"b", 2}, {"both", 2}, {"agreement", 1.0}}));
     EXPECT_EQ(all["steps"][1]["foundA"], false) << "frame 1";
@@ -85,6 +85,22 @@ TEST(CompareTest, MatchesStepsByFrameAndNamesWhatIsMissing)
     EXPECT_EQ(runProgram({"compare", a, truth, "--tolerance", "0.6"}).code, 1);
     EXPECT_EQ(runProgram({"compare", a, truth, "--tolerance", "0.6", "--ignore-missing"}).code, 0);
     EXPECT_EQ(runProgram({"compare", a, truth, "--tolerance", "0.4", "--ignore-missing"}).code, 1);
+}
+
+TEST(CompareTest, MatchesLinesOfManyFilesByFile)
+{
+    const TempFolder folder;
+    const std::string shifted = R"("tform":[[1,0,1],[0,1,0]])", inliers = R"("inliers":[1,0])";
+    const std::string a = folder.write("a.json", "{\"file\":\"x.csv\"," + IDENTITY + "," + inliers + "}\n{\"file\":\"y.csv\"," + shifted + "}\n");
+    const std::string b = folder.write("b.json", "{\"file\":\"y.csv\"," + shifted + "}\n{\"file\":\"z.csv\"," + shifted +
+                                                     "}\n{\"file\":\"x.csv\"," + IDENTITY + R"(,"inliers":[1]})" + "\n");
+    const json all = comparison({a, b, "--size", "9x9"});
+    ASSERT_EQ(all["steps"].size(), 3u);
+    EXPECT_EQ(all["steps"][0]["meanPx"], 0.0);
+    EXPECT_EQ(all["steps"][0]["otherMaskSizes"], json({2, 1})) << "told, not dropped";
+    EXPECT_EQ(all["steps"][1]["meanPx"], 0.0);
+    EXPECT_EQ(all["steps"][2]["file"], "z.csv");
+    EXPECT_EQ(all["steps"][2]["foundA"], false);
 }
 
 TEST(CompareTest, CornerBeyondTheHorizonIsInfinitelyFar)

@@ -30,7 +30,7 @@ std::vector<Pair> mappedPairs(const std::vector<double>& m, int num, double widt
     return pairs;
 }
 
-std::string codesOf(const MadeStep& made)
+std::string codesOf(const MadeStep& made, bool isRobust = true)
 {
     std::vector<double> columns;
     for (std::size_t col = 0; col < 3; ++col)
@@ -40,10 +40,11 @@ std::string codesOf(const MadeStep& made)
     result.ptsNum = static_cast<std::int32_t>(made.pairs.size());
     result.tformRows = result.tformCols = 3;
     result.tformData = columns.data();
-    result.inliers = made.mask.data();
+    result.inliers = isRobust ? made.mask.data() : nullptr;
     for (const std::uint8_t inlier : made.mask)
         result.inlierNum += inlier;
     BlockOptions options;
+    options.isNotRobust = !isRobust;
     return warningCodes(diagnose(made.pairs, result, Layout::Columns, resolveBlockOptions(options), "reason"));
 }
 
@@ -96,6 +97,24 @@ const DiagnosisCase CASES[] = {
          return made;
      },
      "onePlace"},
+    {"twoWildMatches",
+     [] {
+         MadeStep made = sound(PLAIN);
+         for (std::size_t i = 0; i < 2; ++i) {
+             made.pairs[i] = {1e7, 1e7 * static_cast<double>(i), -1e7, 1e7};
+             made.mask[i] = 0;
+         }
+         return made;
+     },
+     ""},
+    {"noPairAgrees",
+     [] {
+         MadeStep made = sound(PLAIN);
+         made.mask.assign(100, 0);
+         return made;
+     },
+     "noInliers"},
+    {"notFinite", [] { MadeStep made = sound(PLAIN); made.tform[4] = std::nan(""); return made; }, "notFinite"},
     {"mirrored", [] { return sound({-1, 0, 400, 0, 1, 0, 0, 0, 1}); }, "mirrored"},
     {"flattened", [] { return sound({1, 0, 0, 0, 0.01, 0, 0, 0, 1}); }, "collapsed"},
     {"horizon", [] { return sound({1, 0, 0, 0, 1, 0, -0.004, 0, 1}); }, "horizon"},
@@ -119,6 +138,20 @@ TEST_P(DiagnosisTest, NamesWhatSpeaksAgainstTheResult)
 }
 
 INSTANTIATE_TEST_SUITE_P(, DiagnosisTest, ::testing::ValuesIn(CASES), [](const auto& test) { return std::string(test.param.name); });
+
+TEST(DiagnosisOfAllPairsTest, WarnsWhenManyPairsAreFarFromTheFit)
+{
+    MadeStep made = sound(PLAIN);
+    for (std::size_t i = 0; i < 100; ++i)
+        made.pairs[i][2] += i % 2 == 0 ? 3.0 : -3.0;     // noise
+    for (std::size_t i = 0; i < 9; ++i)
+        made.pairs[i][3] += 100.0;
+    EXPECT_EQ(codesOf(made, false), "");
+    made.pairs[9][3] += 100.0, made.pairs[10][3] += 100.0;
+    EXPECT_EQ(codesOf(made, false), "misfit");
+    made.pairs.assign(100, Pair{7, 7, 8, 8});
+    EXPECT_EQ(codesOf(made, false), "onePlace");
+}
 
 TEST(ChanceTest, CountsResultsOfChance)
 {

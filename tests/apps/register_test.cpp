@@ -1,7 +1,7 @@
 // 'esttform register': rendered pictures with a known transformation, and pictures that cannot be registered.
 #include "picture_files.h"
 #include "program.h"
-#include "registering/vision.h"
+#include "registering/register_pictures.h"
 
 #include "failure.h"
 
@@ -27,6 +27,16 @@ TEST(RegisterTest, WithoutLibraryNamesThePackage)
     } catch (const esttform::app::Failure& failure) {
         EXPECT_NE(std::string(failure.what()).find("libopencv-dev"), std::string::npos) << failure.what();
     }
+}
+
+TEST(BlendTest, LeavesOutWhatLiesBeyondTheHorizon)
+{
+    using namespace esttform::app;
+    const Picture first{"", 10, 1, std::vector<std::uint32_t>(10, 0x808080)}, warped{"", 10, 1, std::vector<std::uint32_t>(10, 0)};
+    PointMap map;
+    map.m = {1, 0, -5, 0, 1, 0, -0.3, 0, 1};             // x = 4 goes to 5, with w = -0.2
+    const Picture picture = blended(first, warped, warped, map);
+    EXPECT_EQ(picture.pixels, first.pixels) << "no pixel has both w > 0 and a place in the second picture";
 }
 
 #ifdef HAS_VISION

@@ -146,6 +146,7 @@ TEST(TextTest, LinesOfManySteps)
 TEST(NotFoundTest, NamesWhatIsWrongWithThePairs)
 {
     BlockSetup setup;
+    setup.params = toParams({});
     setup.transformType = 2;
     const Pair a{0, 0, 5, 1}, b{1, 0, 6, 1}, c{0, 1, 5, 2};
     const std::pair<std::vector<Pair>, const char*> cases[] = {
@@ -153,8 +154,8 @@ TEST(NotFoundTest, NamesWhatIsWrongWithThePairs)
         {{a, b, {2, 0, 9, 9}, {3, 0, 9, 1}}, "the first points lie on one line"},
         {{{0, 0, 1, 1}, {1, 0, 1, 1}, {0, 1, 1, 1}}, "the second points lie on one line"},
         {{a, b, c},
-         "no candidate with 3 inliers, or the first sample could not be fitted; try another --seed, a larger --threshold-px or "
-         "another --type"},
+         "one of three: the first sample could not be fitted (try another --seed), no candidate had 3 inliers (try a larger "
+         "--threshold-px), or the fit to the inliers failed (try another --type)"},
     };
     for (const auto& [pairs, text] : cases) {
         MatchFrame frame;
@@ -165,6 +166,9 @@ TEST(NotFoundTest, NamesWhatIsWrongWithThePairs)
     MatchFrame frame;
     frame.pairs = {a, a, {0, 0, 7, 7}};
     EXPECT_EQ(reasonNotFound(frame.pairs, setup), "the first points are at only 1 different place, 2 are needed");
+    setup.isRobust = false;
+    frame.pairs = {a, b, {NAN_VALUE, 1, 1, 1}};
+    EXPECT_EQ(reasonNotFound(frame.pairs, setup), "a coordinate that is not finite spoils the fit to all pairs; leave out --no-robust");
 }
 
 }  // namespace

@@ -121,6 +121,8 @@ TEST(StabiliseTest, WritesOneRowAPictureAndBridgesWhatIsMissing)
     EXPECT_EQ(run.code, 0);
     EXPECT_NE(run.err.find("frames 7 to 8: no rows; bridged"), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("frame 10: 3 inliers, expected at least 10"), std::string::npos) << run.err;
+    const ProgramRun any = runProgram({"stabilise", path, "--seed", "1", "--min-inliers", "0"});
+    EXPECT_NE(any.err.find("frame 10: not to be trusted: no more inliers than chance gives; bridged"), std::string::npos) << any.err;
     const auto rows = numbersOf(run.out);
     ASSERT_EQ(rows.size(), 8u) << "motions 5 to 11";
     const double found[] = {1, 1, 0, 0, 1, 0, 1, -1};

@@ -79,6 +79,8 @@ for page in pages:
         environment = {**os.environ, "PYTHONPATH": str(esttform.parents[1] / "python"),
                        "LSAN_OPTIONS": f"suppressions={leaks}:print_suppressions=0"}
         for language, text in blocks:
+            if language == "toml":                       # the first line names the file, for the commands that follow
+                (pathlib.Path(folder) / text.splitlines()[0].lstrip("# ")).write_text(text)
             if language == "sh":
                 run_commands(folder, environment, text)
         programs = [text for language, text in blocks if language == "python"]

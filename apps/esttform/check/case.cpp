@@ -14,7 +14,7 @@ std::string schemeText(const Case& c)
 {
     if (!c.isRobust())
         return "all pairs";
-    return c.params[2] == 2.0 ? "median" : c.params[5] == 1.0 ? "fixed number" : "confidence";
+    return c.params[METHOD] == 2.0 ? "median" : c.params[SAMPLE_NUM_SOURCE] == 1.0 ? "fixed number" : "confidence";
 }
 
 }  // namespace
@@ -23,7 +23,7 @@ DataType Case::tformType() const
 {
     if (isReal())
         return pointsType;
-    return params[14] == 1.0 ? DataType::Single : DataType::Double;
+    return params[TFORM_TYPE_FOR_INTEGERS] == 1.0 ? DataType::Single : DataType::Double;
 }
 
 blockhost::Dims Case::sizeOf(int pairNum) const
@@ -69,8 +69,8 @@ std::vector<Case> variety()
                     const int i = static_cast<int>(cases.size());
                     cases.push_back(makeCase(type, layout, static_cast<Scheme>(scheme), static_cast<DataType>((i * 3 + type) % 8),
                                              9 + i % 5, isVariable));
-                    cases.back().params[14] = 1 + type % 2;
-                    cases.back().params[16] = i % 7 == 0 ? 0 : 1;
+                    cases.back().params[TFORM_TYPE_FOR_INTEGERS] = 1 + type % 2;
+                    cases.back().params[RANDOM_SAMPLING] = i % 7 == 0 ? 0 : 1;
                 }
     return cases;
 }
@@ -83,13 +83,13 @@ Case randomCase(Random& random)
     const auto pointsType = static_cast<DataType>(random.below(8));
     const int ptsNum = (type + 1) * (1 + random.below(random.below(2) == 0 ? 3 : 40));
     Case c = makeCase(type, layout, scheme, pointsType, ptsNum, random.below(2) == 0);
-    c.params[3] = c.params[4] = random.below(4) == 0 ? 0.0 : random.between(0.0, 30.0);
-    c.params[6] = c.params[7] = random.below(4) == 0 ? 0.0 : random.below(200);
-    c.params[8] = random.between(0.0, 100.0);
-    c.params[10] = random.between(0.0, 100.0);
-    for (const int flag : {9, 11, 12, 16})
-        c.params[static_cast<std::size_t>(flag)] = random.below(2);
-    c.params[14] = 1 + random.below(2);
+    c.params[DIS_THR_PROJECTIVE] = c.params[DIS_THR_AFFINE] = random.below(4) == 0 ? 0.0 : random.between(0.0, 30.0);
+    c.params[MAX_RANDOM_SAMPLING] = c.params[NUM_RANDOM_SAMPLING] = random.below(4) == 0 ? 0.0 : random.below(200);
+    c.params[DESIRED_CONFIDENCE] = random.between(0.0, 100.0);
+    c.params[INLIER_PERCENTAGE] = random.between(0.0, 100.0);
+    for (const DialogParam flag : {BREAK_BY_PERCENTAGE, REFINE_ITERATIVELY, OUTPUT_INLIERS, RANDOM_SAMPLING})
+        c.params[flag] = random.below(2);
+    c.params[TFORM_TYPE_FOR_INTEGERS] = 1 + random.below(2);
     return c;
 }
 

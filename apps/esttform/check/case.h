@@ -2,6 +2,7 @@
 #pragma once
 
 #include "blockhost/block.h"
+#include "blockhost/dialog_params.h"
 
 #include <cstdint>
 #include <random>
@@ -36,11 +37,11 @@ struct Case {
     int ptsNum = 0;                       ///< point pairs; with variable size the bound
     bool isVariable = false;
 
-    int transformType() const { return static_cast<int>(params[0]); }
+    int transformType() const { return static_cast<int>(params[TRANSFORM_TYPE]); }
     int sampleSize() const { return transformType() + 1; }
-    bool isRobust() const { return params[1] != 0.0; }
-    bool hasMask() const { return isRobust() && params[12] != 0.0; }
-    Layout layout() const { return params[17] != 0.0 ? Layout::Rows : Layout::Columns; }
+    bool isRobust() const { return params[EXCLUDE_OUTLIERS] != 0.0; }
+    bool hasMask() const { return isRobust() && params[OUTPUT_INLIERS] != 0.0; }
+    Layout layout() const { return params[POINTS_IN_ROWS] != 0.0 ? Layout::Rows : Layout::Columns; }
     bool isReal() const { return pointsType == DataType::Double || pointsType == DataType::Single; }
     DataType tformType() const;
     blockhost::Dims sizeOf(int pairNum) const;

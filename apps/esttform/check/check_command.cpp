@@ -4,7 +4,7 @@
 #include "check/checks.h"
 #include "check/heap_meter.h"
 #include "check/isolated.h"
-#include "check/report.h"
+#include "check/run_result.h"
 #include "number_text.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"

@@ -58,8 +58,8 @@ void expectAnswer(const CheckInput& input, const Params& params, const std::stri
         throw Finding(fmt::format("{}: the message names none of the values that are not admitted: {}", what, stop));
     if (refusedNum > 0)
         return;
-    const int sampleSize = static_cast<int>(params[0]) + 1;
-    const blockhost::Dims expected = isFlagSet(params[17]) ? blockhost::Dims{sampleSize, 2} : blockhost::Dims{2, sampleSize};
+    const int sampleSize = static_cast<int>(params[TRANSFORM_TYPE]) + 1;
+    const blockhost::Dims expected = isFlagSet(params[POINTS_IN_ROWS]) ? blockhost::Dims{sampleSize, 2} : blockhost::Dims{2, sampleSize};
     if (const std::string size = block.instance().inputs[0].dims.text(); size != expected.text())
         throw Finding(fmt::format("{}: the smallest input is {}, expected {}", what, size, expected.text()));
 }

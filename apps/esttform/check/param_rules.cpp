@@ -1,5 +1,7 @@
 #include "check/param_rules.h"
 
+#include "blockhost/dialog_params.h"
+
 #include <cmath>
 #include <limits>
 
@@ -50,17 +52,17 @@ bool isFlagSet(double value) noexcept
 
 bool isInUse(int idx, const Params& params) noexcept
 {
-    const bool isThreshold = isFlagSet(params[1]) && std::trunc(params[2]) == 1.0;
-    const bool isMedian = isFlagSet(params[1]) && std::trunc(params[2]) == 2.0;
-    const bool isConfidence = isThreshold && std::trunc(params[5]) == 2.0;
+    const bool isThreshold = isFlagSet(params[EXCLUDE_OUTLIERS]) && std::trunc(params[METHOD]) == 1.0;
+    const bool isMedian = isFlagSet(params[EXCLUDE_OUTLIERS]) && std::trunc(params[METHOD]) == 2.0;
+    const bool isConfidence = isThreshold && std::trunc(params[SAMPLE_NUM_SOURCE]) == 2.0;
     switch (idx) {
-    case 3: return isThreshold && std::trunc(params[0]) == 3.0;
-    case 4: return isThreshold && std::trunc(params[0]) != 3.0;
-    case 5: return isThreshold;
-    case 6:
-    case 8: return isConfidence;
-    case 7: return isMedian || (isThreshold && !isConfidence);
-    case 10: return isThreshold && isFlagSet(params[9]);
+    case DIS_THR_PROJECTIVE: return isThreshold && std::trunc(params[TRANSFORM_TYPE]) == 3.0;
+    case DIS_THR_AFFINE: return isThreshold && std::trunc(params[TRANSFORM_TYPE]) != 3.0;
+    case SAMPLE_NUM_SOURCE: return isThreshold;
+    case MAX_RANDOM_SAMPLING:
+    case DESIRED_CONFIDENCE: return isConfidence;
+    case NUM_RANDOM_SAMPLING: return isMedian || (isThreshold && !isConfidence);
+    case INLIER_PERCENTAGE: return isThreshold && isFlagSet(params[BREAK_BY_PERCENTAGE]);
     default: return true;
     }
 }

@@ -51,10 +51,10 @@ std::string checkTruth(const CheckInput& input)
         const auto layout = static_cast<Layout>(random.below(2));
         const auto scheme = static_cast<Scheme>(random.below(SCHEME_NUM));
         Case c = makeCase(type, layout, scheme, isDouble ? DataType::Double : DataType::Single, 60, false);
-        c.params[3] = c.params[4] = 1.0;
-        c.params[6] = c.params[7] = 2000;
-        c.params[8] = 99.9999;
-        c.params[9] = 0;
+        c.params[DIS_THR_PROJECTIVE] = c.params[DIS_THR_AFFINE] = 1.0;
+        c.params[MAX_RANDOM_SAMPLING] = c.params[NUM_RANDOM_SAMPLING] = 2000;
+        c.params[DESIRED_CONFIDENCE] = 99.9999;
+        c.params[BREAK_BY_PERCENTAGE] = 0;
         const Matrix matrix = randomMatrix(c.transformType(), random);
         auto pairs = matchedPairs(matrix, c.ptsNum, c.isRobust() ? 4 : 0, random);
         fitInto(c.pointsType, pairs);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <tuple>
 #include <utility>
 
 namespace esttform::app {
@@ -20,29 +21,35 @@ double distanceBetween(const std::array<double, 3>& p, const std::array<double, 
     return std::isnan(distance) ? INF : distance;
 }
 
-/// A step's number and how often it has occurred before.
-using Key = std::pair<std::int64_t, int>;
+/// What steps are matched by: file and number, the latter a frame's or a step's, and how often both have occurred before.
+using Key = std::tuple<std::string, std::int64_t, int>;
 
-std::map<Key, const ReadStep*> stepsByKey(const ReadResult& result, bool isByFrame)
+struct Matching {
+    bool isByFile, isByFrame;
+};
+
+std::map<Key, const ReadStep*> stepsByKey(const ReadResult& result, Matching matching)
 {
     std::map<Key, const ReadStep*> steps;
+    std::map<std::pair<std::string, std::int64_t>, int> occurrenceNums;
     for (const ReadStep& step : result.steps) {
-        Key key{isByFrame ? *step.frame : step.step, 0};
-        while (!steps.emplace(key, &step).second)
-            ++key.second;
+        const std::pair place{matching.isByFile ? *step.file : "", matching.isByFrame ? *step.frame : step.step};
+        steps.emplace(Key(place.first, place.second, occurrenceNums[place]++), &step);
     }
     return steps;
 }
 
-bool hasFrames(const ReadResult& result)
+/// Whether all steps of both results have an optional field.
+template <typename Field>
+bool haveAll(const ReadResult& a, const ReadResult& b, Field ReadStep::*field)
 {
-    return std::all_of(result.steps.begin(), result.steps.end(), [](const ReadStep& step) { return step.frame.has_value(); });
+    const auto has = [field](const ReadStep& step) { return (step.*field).has_value(); };
+    return std::all_of(a.steps.begin(), a.steps.end(), has) && std::all_of(b.steps.begin(), b.steps.end(), has);
 }
 
-std::optional<Agreement> agreementOf(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b)
+/// @param a, b  of the same size
+Agreement agreementOf(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b)
 {
-    if (a.empty() || a.size() != b.size())
-        return std::nullopt;
     Agreement agreement;
     for (std::size_t i = 0; i < a.size(); ++i) {
         agreement.aNum += a[i] != 0;
@@ -58,6 +65,7 @@ StepComparison compareSteps(const ReadStep* a, const ReadStep* b, const Corners&
     const ReadStep& any = a != nullptr ? *a : *b;
     c.step = any.step;
     c.frame = any.frame;
+    c.file = any.file;
     c.isInA = a != nullptr;
     c.isInB = b != nullptr;
     c.isFoundA = c.isInA && a->map;
@@ -67,8 +75,12 @@ StepComparison compareSteps(const ReadStep* a, const ReadStep* b, const Corners&
         c.meanPx = distances[0];
         c.maxPx = distances[1];
     }
-    if (c.isInA && c.isInB)
-        c.inliers = agreementOf(a->inliers, b->inliers);
+    if (c.isInA && c.isInB && !a->inliers.empty() && !b->inliers.empty()) {
+        if (a->inliers.size() == b->inliers.size())
+            c.inliers = agreementOf(a->inliers, b->inliers);
+        else
+            c.otherMaskSizes = {a->inliers.size(), b->inliers.size()};
+    }
     return c;
 }
 
@@ -95,8 +107,8 @@ std::array<double, 2> cornerDistances(const PointMap& a, const PointMap& b, cons
 
 std::vector<StepComparison> compareResults(const ReadResult& a, const ReadResult& b, const Corners& corners)
 {
-    const bool isByFrame = hasFrames(a) && hasFrames(b);
-    const auto ofA = stepsByKey(a, isByFrame), ofB = stepsByKey(b, isByFrame);
+    const Matching matching{haveAll(a, b, &ReadStep::file), haveAll(a, b, &ReadStep::frame)};
+    const auto ofA = stepsByKey(a, matching), ofB = stepsByKey(b, matching);
     auto keys = ofA;
     keys.insert(ofB.begin(), ofB.end());
     const auto stepOf = [](const auto& steps, const Key& key) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace esttform::app {
@@ -22,10 +23,12 @@ struct Agreement {
 struct StepComparison {
     std::int64_t step = 0;                 ///< of A, or of B if A has no such step
     std::optional<std::int64_t> frame;
+    std::optional<std::string> file;
     bool isInA = false, isInB = false;         ///< there is such a step
     bool isFoundA = false, isFoundB = false;
     double meanPx = 0.0, maxPx = 0.0;      ///< distance of the corners, if both found a map; infinite if one maps a corner to infinity
-    std::optional<Agreement> inliers;      ///< empty unless both have inliers of the same pairs
+    std::optional<Agreement> inliers;      ///< empty unless both have masks of as many pairs
+    std::optional<std::array<std::size_t, 2>> otherMaskSizes;   ///< pairs of A's and of B's mask, if they differ
 
     bool hasDistance() const noexcept { return isFoundA && isFoundB; }
 };
@@ -40,8 +43,8 @@ struct Corners {
 /// A corner that a map takes to infinity or beyond it (w <= 0) is infinitely far.
 std::array<double, 2> cornerDistances(const PointMap& a, const PointMap& b, const Corners& corners) noexcept;
 
-/// Compares all steps, matched by frame number where both have them, else by step. A number that occurs several times is
-/// matched in order. In ascending order, steps that only one of them has included.
+/// Compares all steps, matched by file where both have files, by frame number where both have them, else by step. What
+/// occurs several times is matched in order. In ascending order, steps that only one of them has included.
 std::vector<StepComparison> compareResults(const ReadResult& a, const ReadResult& b, const Corners& corners);
 
 }  // namespace esttform::app

@@ -2,7 +2,7 @@
 
 #include "compare/compare_writer.h"
 #include "geometry/residuals.h"
-#include "matches/match_reader.h"
+#include "matches/frame_source.h"
 #include "number_text.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"
@@ -22,12 +22,10 @@ constexpr double RIGHT_PX = 3.0;
 /// Two numbers of an option's text.
 std::array<double, 2> numbersOf(const std::string& text, char separator, const char* option, const char* expected)
 {
-    const std::size_t at = text.find(separator);
-    const auto first = parseReal(std::string_view(text).substr(0, at));
-    const auto second = at == std::string::npos ? std::nullopt : parseReal(std::string_view(text).substr(at + 1));
-    if (!first || !second)
+    const auto numbers = parseTwoReals(text, separator);
+    if (!numbers)
         throw Failure(fmt::format("{}: got {}, expected {}", option, inQuotes(text), expected));
-    return {*first, *second};
+    return *numbers;
 }
 
 std::array<int, 2> sizeOf(const CompareOptions& o, const ReadResult& a, const ReadResult& b)
@@ -45,20 +43,19 @@ std::array<int, 2> sizeOf(const CompareOptions& o, const ReadResult& a, const Re
 }
 
 /// Gives the truth a mask: the pairs that are right by it.
-void addRightPairs(ReadResult& truth, const std::string& path, double rightPx)
+void addRightPairs(ReadResult& truth, const CompareOptions& o)
 {
-    MatchReader reader(path, {});
+    ReaderOptions readerOptions;
+    readerOptions.columns = o.columns;
+    MatchReader reader(o.matchesPath, readerOptions);
     MatchFrame frame;
-    for (std::size_t stepIdx = 0; reader.next(frame); ++stepIdx) {
-        for (ReadStep& step : truth.steps) {
-            const bool isSame = frame.number && step.frame ? *frame.number == *step.frame
-                                                           : step.step == static_cast<std::int64_t>(stepIdx);
-            if (!isSame || !step.map || !step.inliers.empty())
-                continue;
-            for (const Residual& residual : residualsOf(frame.pairs, *step.map))
-                step.inliers.push_back(residual.distance <= rightPx ? 1 : 0);
-            break;
-        }
+    for (std::int64_t stepIdx = 0; reader.next(frame); ++stepIdx) {
+        const bool isByFrame = frame.number && truth.steps.front().frame;
+        const auto idx = static_cast<std::size_t>(isByFrame ? *frame.number : stepIdx);   // steps of a truth count from 0
+        if (idx >= truth.steps.size() || !truth.steps[idx].map || !truth.steps[idx].inliers.empty())
+            continue;
+        for (const Residual& residual : residualsOf(frame.pairs, *truth.steps[idx].map))
+            truth.steps[idx].inliers.push_back(residual.distance <= o.rightPx.value_or(RIGHT_PX) ? 1 : 0);
     }
 }
 
@@ -67,10 +64,11 @@ void addRightPairs(ReadResult& truth, const std::string& path, double rightPx)
 void addCompareOptions(CLI::App& command, CompareOptions& o)
 {
     const char* const INPUT = "Input";
-    const char* const RESULT = "a result: what 'estimate --format json' wrote, '-' for standard input; or a truth: a JSON "
+    const char* const RESULT = "a result: what 'estimate' or 'batch' wrote with --format json, '-' for standard input; or a truth: a JSON "
                                "object with matrix (3-by-3, maps first points to second ones) or matrices (one a frame)";
     command.add_option("A", o.aPath, RESULT)->required()->group(INPUT);
-    command.add_option("B", o.bPath, "the same; steps are matched by frame where both have frames, else by step")
+    command.add_option("B", o.bPath, "the same; steps are matched by file where both are of 'batch', by frame where both have frames, else by "
+                                       "step")
         ->required()->group(INPUT);
     command.add_option("--size", o.size, "width and height of the first picture in pixels (default: of the truth)")
         ->type_name("WxH")->group(INPUT);
@@ -82,6 +80,7 @@ void addCompareOptions(CLI::App& command, CompareOptions& o)
             ->check(oneOf({"columns", "rows"}))->type_name("LAYOUT")->group(INPUT);
     command.add_option("--matches", o.matchesPath, "the matches, to compare the inliers with the pairs that are right by the truth")
         ->type_name("FILE")->group(INPUT);
+    addColumnsOption(command, o.columns, INPUT);
     command.add_option("--right-px", o.rightPx, "farthest that a right pair lies from the truth, in pixels (default 3)")
         ->check(realWithin({0.0, std::numeric_limits<double>::infinity(), "pixels"}))->type_name("PX")->group(INPUT);
     const char* const OUTPUT = "Output";
@@ -106,11 +105,13 @@ ExitCode runCompare(const CompareOptions& o)
     if (o.rightPx && o.matchesPath.empty())
         throw Failure("--right-px: no effect without --matches");
     refuseWrongOutputs({{"--output", o.outputPath}}, {{"A", o.aPath}, {"B", o.bPath}, {"--matches", o.matchesPath}});
+    if (!o.columns.empty() && o.matchesPath.empty())
+        throw Failure("--columns: no effect without --matches");
     ReadResult a = readResult(o.aPath, o.layoutA == "rows"), b = readResult(o.bPath, o.layoutB == "rows");
     if (!o.matchesPath.empty()) {
         if (a.isTruth == b.isTruth)
             throw Failure("--matches: no effect unless one of A and B is a truth");
-        addRightPairs(a.isTruth ? a : b, o.matchesPath, o.rightPx.value_or(RIGHT_PX));
+        addRightPairs(a.isTruth ? a : b, o);
     }
     const std::array<int, 2> size = sizeOf(o, a, b);
     const auto origin = o.origin ? numbersOf(*o.origin, ',', "--origin", "x and y, for example 0.5,0.5")

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -18,6 +19,7 @@ struct CompareOptions {
     std::optional<std::string> size;        ///< "WxH"; empty: from a truth
     std::optional<std::string> origin;      ///< "X,Y" of the first pixel's centre; empty: 0,0
     std::string matchesPath;                ///< empty: none
+    std::vector<std::string> columns;       ///< of the matches; empty: found
     std::optional<double> rightPx;          ///< empty: 3
     std::optional<double> tolerance;        ///< pixels; empty: nothing differs too much
     bool isMissingIgnored = false;

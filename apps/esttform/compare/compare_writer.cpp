@@ -27,6 +27,8 @@ Json agreementJson(const Agreement& agreement)
 Json stepJson(const StepComparison& step)
 {
     Json object{{"step", step.step}};
+    if (step.file)
+        object["file"] = *step.file;
     if (step.frame)
         object["frame"] = *step.frame;
     object["foundA"] = step.isFoundA;
@@ -34,6 +36,8 @@ Json stepJson(const StepComparison& step)
     object["meanPx"] = pixelsJson(step.hasDistance(), step.meanPx);
     object["maxPx"] = pixelsJson(step.hasDistance(), step.maxPx);
     object["inliers"] = step.inliers ? agreementJson(*step.inliers) : Json(nullptr);
+    if (step.otherMaskSizes)
+        object["otherMaskSizes"] = *step.otherMaskSizes;
     return object;
 }
 
@@ -43,9 +47,18 @@ std::string agreementText(const Agreement& agreement)
                        100.0 * agreement.share());
 }
 
+std::string masksText(const StepComparison& step)
+{
+    if (step.otherMaskSizes)
+        return fmt::format("; inliers not compared: of {} pairs in A, of {} in B", (*step.otherMaskSizes)[0], (*step.otherMaskSizes)[1]);
+    return step.inliers ? "; inliers " + agreementText(*step.inliers) : "";
+}
+
 /// A step that A lacks has no number there, unless the steps were matched by it.
 std::string whereOf(const StepComparison& step)
 {
+    if (step.file)
+        return *step.file;
     if (!step.frame)
         return fmt::format("step {}", step.step);
     return step.isInA ? fmt::format("step {} (frame {})", step.step, *step.frame) : fmt::format("frame {}", *step.frame);
@@ -98,7 +111,7 @@ std::string comparisonText(const std::vector<StepComparison>& steps, const Compa
     for (const StepComparison& step : steps) {
         text += whereOf(step) + ": ";
         text += step.hasDistance() ? fmt::format("{:.4g} ({:.4g})", step.meanPx, step.maxPx) : missingText(step);
-        text += step.inliers ? fmt::format("; inliers {}\n", agreementText(*step.inliers)) : "\n";
+        text += masksText(step) + "\n";
     }
     if (steps.size() > 1) {
         text += fmt::format("{} compared", counted(s.comparedNum, "step"));

@@ -60,6 +60,8 @@ ReadStep stepOf(const json& line, bool isInRows)
     step.step = line.value("step", std::int64_t{0});
     if (line.contains("frame") && !line["frame"].is_null())
         step.frame = line["frame"].get<std::int64_t>();
+    if (line.contains("file"))
+        step.file = line["file"].get<std::string>();
     if (!line.at("tform").is_null())
         step.map = mapOfRows(rowsOf(line["tform"]), isInRows);
     if (line.contains("inliers") && !line["inliers"].is_null())

@@ -13,8 +13,9 @@ namespace esttform::app {
 
 /// One step of a result or of a truth.
 struct ReadStep {
-    std::int64_t step = 0;
+    std::int64_t step = 0;                   ///< of a truth its position, counted from 0
     std::optional<std::int64_t> frame;
+    std::optional<std::string> file;         ///< that it was estimated from, of a result of many files
     std::optional<PointMap> map;             ///< empty if no transformation was found or none is known
     std::vector<std::uint8_t> inliers;       ///< 0 or 1 per pair; empty without a mask
 };

@@ -1,14 +1,14 @@
 #include "diagnosis/diagnosis.h"
 
+#include "blockhost/dialog_params.h"
 #include "diagnosis/chance.h"
-#include "geometry/residuals.h"
+#include "diagnosis/extent.h"
 #include "number_text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 namespace esttform::app {
 
@@ -23,30 +23,12 @@ constexpr double FAR_THRESHOLDS = 2.0;
 constexpr double FAR_SHARE_MAX = 0.1;
 /// Narrow extent of the inliers beside that of all points below which they lie on one place or line.
 constexpr double SPREAD_MIN = 0.05;
+/// Pairs of a fit to all of them may lie this part of the points' extent away, and a share of them farther.
+constexpr double MISFIT_DISTANCE = 0.06;
+constexpr double MISFIT_SHARE_MAX = 0.1;
 /// Lengths may change by the first factor, and by the second one more in one direction than in the other.
 constexpr double SCALE_MAX = 100.0;
 constexpr double RATIO_MAX = 50.0;
-
-using Points = std::vector<std::array<double, 2>>;
-
-/// Standard deviation of points across their longest direction.
-double narrowExtent(const Points& points)
-{
-    const auto num = static_cast<double>(points.size());
-    double mx = 0.0, my = 0.0;
-    for (const auto& [x, y] : points) {
-        mx += x / num;
-        my += y / num;
-    }
-    double xx = 0.0, xy = 0.0, yy = 0.0;
-    for (const auto& [x, y] : points) {
-        xx += (x - mx) * (x - mx) / num;
-        xy += (x - mx) * (y - my) / num;
-        yy += (y - my) * (y - my) / num;
-    }
-    const double half = (xx + yy) / 2.0;
-    return std::sqrt(std::max(0.0, half - std::hypot((xx - yy) / 2.0, xy)));
-}
 
 /// The first or the second points of some pairs.
 Points pointsOf(const std::vector<Pair>& pairs, std::size_t setIdx)
@@ -55,15 +37,6 @@ Points pointsOf(const std::vector<Pair>& pairs, std::size_t setIdx)
     for (const Pair& pair : pairs)
         points.push_back({pair[2 * setIdx], pair[2 * setIdx + 1]});
     return points;
-}
-
-/// Places that points are at, those nearer than a distance taken for one.
-std::int64_t placeNumOf(const Points& points, double distance)
-{
-    std::set<std::pair<double, double>> cells;
-    for (const auto& [x, y] : points)
-        cells.emplace(std::floor(x / distance), std::floor(y / distance));
-    return static_cast<std::int64_t>(cells.size());
 }
 
 /// Derivative of the mapped point by the point, at a point.
@@ -87,16 +60,6 @@ Jacobian jacobianAt(const PointMap& map, const std::array<double, 2>& point)
     return {(m[0] - x * m[6]) / w, (m[1] - x * m[7]) / w, (m[3] - y * m[6]) / w, (m[4] - y * m[7]) / w};
 }
 
-std::array<double, 2> middleOf(const Points& points)
-{
-    std::array<double, 2> middle{};
-    for (const auto& [x, y] : points) {
-        middle[0] += x / static_cast<double>(points.size());
-        middle[1] += y / static_cast<double>(points.size());
-    }
-    return middle;
-}
-
 // ---- What is measured
 
 /// A step as the rules look at it.
@@ -113,23 +76,39 @@ void warn(Diagnosis& diagnosis, const char* code, const char* title, std::string
     diagnosis.warnings.push_back({Severity::Warning, title, std::move(text), code});
 }
 
-void measureDistances(const Case& c, Diagnosis& diagnosis)
+/// Pairs that TForm misses by more than a distance in pixels.
+std::int64_t farNumOf(const std::vector<Residual>& residuals, double limit)
 {
-    std::vector<double> distances;
-    for (const Residual& residual : residualsOf(c.agreeing, c.map))
-        distances.push_back(std::isfinite(residual.distance) ? residual.distance : HUGE_VAL);
-    std::sort(distances.begin(), distances.end());
-    const auto quantile = [&](double share) { return distances[static_cast<std::size_t>(share * static_cast<double>(distances.size() - 1))]; };
-    diagnosis.distances = DistanceQuantiles{quantile(0.5), quantile(0.9), quantile(1.0)};
-    if (!c.threshold)
-        return;
+    return std::count_if(residuals.begin(), residuals.end(), [limit](const Residual& r) { return !(r.distance <= limit); });
+}
+
+void examineDistances(const Case& c, const std::vector<Residual>& residuals, Diagnosis& diagnosis)
+{
     const double limit = FAR_THRESHOLDS * std::sqrt(*c.threshold);
-    const auto farNum = distances.end() - std::upper_bound(distances.begin(), distances.end(), limit);
-    if (static_cast<double>(farNum) > FAR_SHARE_MAX * static_cast<double>(distances.size()))
+    const std::int64_t farNum = farNumOf(residuals, limit);
+    if (static_cast<double>(farNum) > FAR_SHARE_MAX * static_cast<double>(residuals.size()))
         warn(diagnosis, "farInliers", "inliers far away",
              fmt::format("{} of {} inliers lie more than {:.3g} px from where TForm maps their partners: they are inliers by the "
                          "algebraic distance only, which is small near the horizon of a projective transformation; try a simpler "
-                         "--type or more --max-samples", farNum, distances.size(), limit));
+                         "--type or more --max-samples", farNum, residuals.size(), limit));
+}
+
+/// Of a fit to all pairs, which takes every pair for a right match.
+void examineFitToAll(const Case& c, const std::vector<Residual>& residuals, Diagnosis& diagnosis)
+{
+    const double extent1 = extentOf(withoutWildOnes(pointsOf(c.pairs, 0))).whole;
+    const double extent2 = extentOf(withoutWildOnes(pointsOf(c.pairs, 1))).whole;
+    if (!(std::min(extent1, extent2) > 0.0)) {
+        warn(diagnosis, "onePlace", "points at one place", "the points of a picture coincide: they determine no more than a shift");
+        return;
+    }
+    const double limit = MISFIT_DISTANCE * extent2;
+    const std::int64_t farNum = farNumOf(residuals, limit);
+    if (static_cast<double>(farNum) > MISFIT_SHARE_MAX * static_cast<double>(residuals.size()))
+        warn(diagnosis, "misfit", "pairs far from the fit",
+             fmt::format("{} of {} lie more than {:.3g} px, 6 % of the points' extent, from where TForm maps their partners: wrong "
+                         "matches, which pull the fit to themselves, or the wrong --type; leave out --no-robust", farNum,
+                         counted(static_cast<std::int64_t>(residuals.size()), "pair"), limit));
 }
 
 void measureChance(const Case& c, Diagnosis& diagnosis)
@@ -151,22 +130,23 @@ void measureChance(const Case& c, Diagnosis& diagnosis)
 /// log(1 - P) / log(1 - s^k): samplings for confidence P to have drawn one sample of inliers only.
 void measureSampling(const Case& c, Diagnosis& diagnosis)
 {
-    constexpr std::size_t SOURCE = 5, MAX_NUM = 6, NUM = 7, CONFIDENCE = 8;
     const auto& params = c.setup.params;
-    const bool isAdaptive = c.setup.threshold() && static_cast<int>(params[SOURCE]) == 2;
-    diagnosis.confidence = params[CONFIDENCE];
-    diagnosis.sampleLimit = params[isAdaptive ? MAX_NUM : NUM];
-    const double share = static_cast<double>(c.agreeing.size()) / static_cast<double>(c.pairs.size());
+    const bool isAdaptive = c.setup.threshold() && std::trunc(params[SAMPLE_NUM_SOURCE]) == SAMPLE_NUM_FROM_CONFIDENCE;
+    diagnosis.confidence = params[DESIRED_CONFIDENCE];
+    diagnosis.sampleLimit = params[isAdaptive ? MAX_RANDOM_SAMPLING : NUM_RANDOM_SAMPLING];
+    const double share = static_cast<double>(c.agreeing.size()) / static_cast<double>(diagnosis.pairNum);
     const double isAllRight = std::pow(share, c.setup.sampleSize());
     const double needed = std::log1p(-0.01 * diagnosis.confidence) / std::log1p(-isAllRight);
     diagnosis.neededSampleNum = isAllRight < 1.0 ? std::ceil(needed) : 1.0;
+    diagnosis.isLimitDrawn = !isAdaptive || share == 1.0;     // a sample that all pairs agree with ends no search
 }
 
 void measureSpread(const Case& c, Diagnosis& diagnosis)
 {
     for (const std::size_t setIdx : {std::size_t(0), std::size_t(1)}) {
-        const double all = narrowExtent(pointsOf(c.pairs, setIdx));
-        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = all > 0.0 ? narrowExtent(pointsOf(c.agreeing, setIdx)) / all : 0.0;
+        const double all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))).narrow;
+        const double ofInliers = extentOf(pointsOf(c.agreeing, setIdx)).narrow;
+        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = all > 0.0 ? std::min(1.0, ofInliers / all) : 0.0;
     }
     if (std::min(*diagnosis.spread1, *diagnosis.spread2) < SPREAD_MIN)
         warn(diagnosis, "onePlace", "inliers on one place or line",
@@ -212,8 +192,14 @@ Diagnosis diagnose(const std::vector<Pair>& pairs, const StepResult& result, Lay
         warn(diagnosis, "notFound", "no transformation", result.error ? result.error->text : reasonIfNone);
         return diagnosis;
     }
+    const PointMap map = mapOf(result, layout);
+    if (!std::all_of(map.m.begin(), map.m.end(), [](double element) { return std::isfinite(element); })) {
+        warn(diagnosis, "notFinite", "no finite transformation", "TForm has an element that is not finite: some points are too far away, "
+                                                                 "or themselves not finite");
+        return diagnosis;
+    }
     std::vector<Pair> finite;
-    Case c{finite, {}, mapOf(result, layout), setup.threshold(), setup};
+    Case c{finite, {}, map, setup.threshold(), setup};
     double largest = 0.0;
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         if (!isFinite(pairs[i]))
@@ -226,12 +212,18 @@ Diagnosis diagnose(const std::vector<Pair>& pairs, const StepResult& result, Lay
         c.agreeing.push_back(pairs[i]);
         largest = std::max(largest, algebraicDistance(pairs[i], c.map));
     }
-    if (c.agreeing.empty())
+    if (c.agreeing.empty()) {
+        warn(diagnosis, "noInliers", "no pair agrees", "no pair lies within the threshold of where TForm maps its partner");
         return diagnosis;
+    }
     if (setup.isRobust && !c.threshold)
         c.threshold = largest;                           // of the median method
-    measureDistances(c, diagnosis);
-    if (setup.isRobust) {
+    const std::vector<Residual> residuals = residualsOf(c.agreeing, c.map);
+    diagnosis.distances = quantilesOf(residuals);
+    if (!setup.isRobust) {
+        examineFitToAll(c, residuals, diagnosis);
+    } else {
+        examineDistances(c, residuals, diagnosis);
         measureChance(c, diagnosis);
         measureSampling(c, diagnosis);
         measureSpread(c, diagnosis);

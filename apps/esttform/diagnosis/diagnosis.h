@@ -2,6 +2,7 @@
 // Nothing here changes a result. docs/diagnosis.md gives every rule with its reason.
 #pragma once
 
+#include "geometry/residuals.h"
 #include "matches/points.h"
 #include "options/block_settings.h"
 
@@ -21,11 +22,6 @@ struct DiagnosisNote {
     std::string code;                    ///< of a warning: one word for programs
 };
 
-/// Quantiles of the distances of second points from the mapped first ones, in pixels.
-struct DistanceQuantiles {
-    double median = 0.0, ninetyPercent = 0.0, largest = 0.0;
-};
-
 struct Diagnosis {
     std::int64_t pairNum = 0;
     std::optional<std::int64_t> inlierNum;          ///< empty: fitted to all pairs, or no mask
@@ -34,6 +30,7 @@ struct Diagnosis {
     std::optional<double> neededSampleNum;          ///< samplings that the share of inliers asks for
     double confidence = 0.0;                        ///< in percent, for neededSampleNum
     std::optional<double> sampleLimit;              ///< samplings that the settings allow
+    bool isLimitDrawn = false;                      ///< all of them are drawn, whatever the share of inliers needs
     std::optional<double> spread1, spread2;         ///< narrow extent of the inliers beside that of all points, per picture
     std::optional<DistanceQuantiles> distances;     ///< of the inliers, or of all pairs without a mask
     std::vector<DiagnosisNote> warnings;            ///< empty: nothing speaks against the result

@@ -11,15 +11,10 @@ namespace esttform::app {
 
 namespace {
 
-std::string pixels(double distance)
-{
-    return distance < 1e-3 ? "less than 0.001 px" : fmt::format("{:.3g} px", distance);
-}
-
 std::string distancesText(const Diagnosis& d)
 {
     return fmt::format("distances of the {}: median {}, nine in ten below {}, largest {}", d.inlierNum ? "inliers" : "pairs",
-                       pixels(d.distances->median), pixels(d.distances->ninetyPercent), pixels(d.distances->largest));
+                       distanceText(d.distances->median), distanceText(d.distances->ninetyPercent), distanceText(d.distances->largest));
 }
 
 std::string chanceText(const Diagnosis& d)
@@ -29,8 +24,8 @@ std::string chanceText(const Diagnosis& d)
 
 std::string samplingText(const Diagnosis& d)
 {
-    return fmt::format("samplings that this share of inliers needs for {:g} %: {:.0f} (limit {:.0f})", d.confidence, *d.neededSampleNum,
-                       *d.sampleLimit);
+    return fmt::format("samplings that this share of inliers needs for {:g} %: {:.0f} ({} {:.0f})", d.confidence, *d.neededSampleNum,
+                       d.isLimitDrawn ? "drawn nevertheless: up to" : "limit", *d.sampleLimit);
 }
 
 std::string spreadText(const Diagnosis& d)

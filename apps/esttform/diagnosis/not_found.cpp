@@ -53,6 +53,14 @@ std::string faultOf(std::vector<Point> points, const char* setName, const BlockS
     return {};
 }
 
+/// The rules of a robust search that leave no result; which of them did, the outputs do not tell.
+std::string rulesThatRemain(const BlockSetup& setup, OptionSpelling spelling)
+{
+    const std::string cure = setup.threshold() ? fmt::format(" (try a larger {})", spelling("threshold-px")) : "";
+    return fmt::format("one of three: the first sample could not be fitted (try another {}), no candidate had {} inliers{}, or the fit "
+                       "to the inliers failed (try another {})", spelling("seed"), setup.sampleSize(), cure, spelling("type"));
+}
+
 }  // namespace
 
 std::string reasonNotFound(const std::vector<Pair>& pairs, const BlockSetup& setup, OptionSpelling spelling)
@@ -66,9 +74,10 @@ std::string reasonNotFound(const std::vector<Pair>& pairs, const BlockSetup& set
     if (const std::string fault = faultOf(finitePoints(pairs, 1), "second", setup); !fault.empty())
         return fault;
     if (!setup.isRobust)
-        return "the fit to all pairs failed";
-    return fmt::format("no candidate with {} inliers, or the first sample could not be fitted; try another {}, a larger {} or another {}",
-                       setup.sampleSize(), spelling("seed"), spelling("threshold-px"), spelling("type"));
+        return finiteNum < static_cast<std::int64_t>(pairs.size())
+                   ? fmt::format("a coordinate that is not finite spoils the fit to all pairs; leave out {}", spelling("no-robust"))
+                   : std::string("the fit to all pairs failed");
+    return rulesThatRemain(setup, spelling);
 }
 
 }  // namespace esttform::app

@@ -14,12 +14,6 @@ namespace {
 
 constexpr double DEGREES_PER_RADIAN = 57.29577951308232;
 
-/// A number for people: nine digits are more than any coordinate needs.
-std::string shortNumber(double value)
-{
-    return fmt::format("{:.9g}", value + 0.0);           // no sign on a zero
-}
-
 bool isProjective(const StepResult& result) noexcept
 {
     return result.tformRows == 3 && result.tformCols == 3;

@@ -1,5 +1,7 @@
 #include "geometry/residuals.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -25,6 +27,23 @@ std::vector<Residual> residualsOf(const std::vector<Pair>& pairs, const PointMap
         residuals.push_back(r);
     }
     return residuals;
+}
+
+std::optional<DistanceQuantiles> quantilesOf(const std::vector<Residual>& residuals)
+{
+    if (residuals.empty())
+        return std::nullopt;
+    std::vector<double> distances;
+    for (const Residual& residual : residuals)
+        distances.push_back(std::isfinite(residual.distance) ? residual.distance : HUGE_VAL);
+    std::sort(distances.begin(), distances.end());
+    const auto quantile = [&](double share) { return distances[static_cast<std::size_t>(share * static_cast<double>(distances.size() - 1))]; };
+    return DistanceQuantiles{quantile(0.5), quantile(0.9), quantile(1.0)};
+}
+
+std::string distanceText(double distance)
+{
+    return distance < 1e-3 ? "less than 0.001 px" : fmt::format("{:.3g} px", distance);
 }
 
 ThresholdRange thresholdRange(const std::vector<Residual>& residuals, const std::vector<std::uint8_t>& inliers, double threshold)

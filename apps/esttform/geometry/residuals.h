@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace esttform::app {
@@ -20,6 +21,17 @@ struct Residual {
 
 /// One residual a pair, in their order.
 std::vector<Residual> residualsOf(const std::vector<Pair>& pairs, const PointMap& map);
+
+/// Quantiles of the distances of pairs, in pixels.
+struct DistanceQuantiles {
+    double median = 0.0, ninetyPercent = 0.0, largest = 0.0;
+};
+
+/// A distance that is not finite counts as infinite. Empty without residuals.
+std::optional<DistanceQuantiles> quantilesOf(const std::vector<Residual>& residuals);
+
+/// "0.213 px", "less than 0.001 px".
+std::string distanceText(double distance);
 
 /// The distances at which pairs turn from inliers to outliers.
 struct ThresholdRange {

@@ -30,6 +30,13 @@ bool isFile(const std::string& path) noexcept
 
 }  // namespace
 
+void addColumnsOption(CLI::App& command, std::vector<std::string>& columns, const char* group)
+{
+    command.add_option("--columns", columns,
+                       "columns of x1,y1,x2,y2 and perhaps frame: names of the header or positions counted from 1")
+        ->delimiter(',')->allow_extra_args(false)->type_name("LIST")->group(group);
+}
+
 void addInputOptions(CLI::App& command, InputOptions& options)
 {
     const char* const INPUT = "Input";
@@ -38,9 +45,7 @@ void addInputOptions(CLI::App& command, InputOptions& options)
                        "a header, in this order; with a column named frame, each run of rows with one frame number is a "
                        "step of its own (a number that is skipped is no step)")
         ->required()->group(INPUT);
-    command.add_option("--columns", options.columns,
-                       "columns of x1,y1,x2,y2 and perhaps frame: names of the header or positions counted from 1")
-        ->delimiter(',')->allow_extra_args(false)->type_name("LIST")->group(INPUT);
+    addColumnsOption(command, options.columns, INPUT);
     command.add_option("--max-points", options.maxPtsNum,
                        "most pairs of a step, refuses larger ones (default: the largest step of the input; of a stream, the "
                        "largest so far)")

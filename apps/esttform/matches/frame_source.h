@@ -23,6 +23,9 @@ struct InputOptions {
     bool isFollowed = false;
 };
 
+/// Adds --columns to a group of a command's options. `columns` must outlive the parsing.
+void addColumnsOption(CLI::App& command, std::vector<std::string>& columns, const char* group);
+
 /// Adds the input file and its options to a command. `options` must outlive the parsing.
 void addInputOptions(CLI::App& command, InputOptions& options);
 

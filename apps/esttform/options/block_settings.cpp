@@ -1,5 +1,6 @@
 #include "options/block_settings.h"
 
+#include "blockhost/dialog_params.h"
 #include "failure.h"
 #include "matches/points.h"
 #include "number_text.h"
@@ -20,13 +21,6 @@ const std::vector<std::string> LAYOUT_WORDS{"columns", "rows"};
 const std::vector<std::string> TFORM_TYPE_WORDS{"double", "single"};
 
 namespace {
-
-constexpr int PARAM_TRANSFORM_TYPE = 0;
-constexpr int PARAM_EXCLUDE_OUTLIERS = 1;
-constexpr int PARAM_METHOD = 2;
-constexpr int PARAM_THRESHOLD_PROJECTIVE = 3;
-constexpr int PARAM_THRESHOLD_AFFINE = 4;
-constexpr int PARAM_OUTPUT_INLIERS = 12;
 
 constexpr std::array<const char*, 4> TYPE_TEXTS{"unknown", "similarity", "affine", "projective"};
 
@@ -199,9 +193,9 @@ int BlockSetup::sampleSize() const noexcept
 
 std::optional<double> BlockSetup::threshold() const noexcept
 {
-    if (!isRobust || codeOf(params[PARAM_METHOD]) != static_cast<int>(Method::Threshold))
+    if (!isRobust || codeOf(params[METHOD]) != static_cast<int>(Method::Threshold))
         return {};
-    return params[transformType == static_cast<int>(TransformType::Projective) ? PARAM_THRESHOLD_PROJECTIVE : PARAM_THRESHOLD_AFFINE];
+    return params[transformType == static_cast<int>(TransformType::Projective) ? DIS_THR_PROJECTIVE : DIS_THR_AFFINE];
 }
 
 const char* BlockSetup::typeText() const noexcept
@@ -226,9 +220,9 @@ BlockSetup resolveBlockOptions(const BlockOptions& options, OptionSpelling spell
     setup.pointsType = settings.pointsType;
     setup.options.blockPath = options.blockPath;
     setup.options.seed = options.seed;
-    setup.transformType = codeOf(setup.params[PARAM_TRANSFORM_TYPE]);
-    setup.isRobust = codeOf(setup.params[PARAM_EXCLUDE_OUTLIERS]) != 0;
-    setup.hasInlierOutput = setup.isRobust && codeOf(setup.params[PARAM_OUTPUT_INLIERS]) != 0;
+    setup.transformType = codeOf(setup.params[TRANSFORM_TYPE]);
+    setup.isRobust = codeOf(setup.params[EXCLUDE_OUTLIERS]) != 0;
+    setup.hasInlierOutput = setup.isRobust && codeOf(setup.params[OUTPUT_INLIERS]) != 0;
     return setup;
 }
 

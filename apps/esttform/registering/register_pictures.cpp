@@ -64,8 +64,8 @@ Picture blended(const Picture& first, const Picture& warped, const Picture& seco
             const auto [xw, yw, w] = map.apply(x, y);
             constexpr std::uint32_t HIGH_BITS = 0xfefefeU;         // of each colour: halves do not run into the neighbour
             const double x2 = xw / w, y2 = yw / w;
-            // Beyond the outermost pixels' centres the warped picture fades to black.
-            if (x2 >= 0.0 && y2 >= 0.0 && x2 <= second.width - 1.0 && y2 <= second.height - 1.0)
+            // Beyond the horizon (w < 0) there is no second picture. Beyond the outermost pixels' centres the warped picture fades to black.
+            if (w > 0.0 && x2 >= 0.0 && y2 >= 0.0 && x2 <= second.width - 1.0 && y2 <= second.height - 1.0)
                 picture.pixels[i] = ((first.pixels[i] & HIGH_BITS) >> 1) + ((warped.pixels[i] & HIGH_BITS) >> 1);
         }
     return picture;

@@ -14,12 +14,6 @@ namespace esttform::app {
 
 namespace {
 
-/// A number for people; no sign on a zero.
-std::string shortNumber(double value)
-{
-    return fmt::format("{:.9g}", value + 0.0);
-}
-
 std::string heading(const Report& report)
 {
     const auto inlierNum = std::count(report.scene.inliers.begin(), report.scene.inliers.end(), 1);
@@ -98,21 +92,17 @@ std::string matrix(const ShownResult& result)
 /// Quantiles of the distances of the inliers, or of all pairs without a mask, in pixels.
 std::string residualRows(const PlotScene& scene)
 {
-    std::vector<double> distances;
-    const std::vector<Residual> residuals = residualsOf(scene.pairs, *scene.map);
-    for (std::size_t i = 0; i < residuals.size(); ++i)
-        if ((scene.inliers.empty() || scene.inliers[i] != 0) && std::isfinite(residuals[i].distance))
-            distances.push_back(residuals[i].distance);
-    if (distances.empty())
+    std::vector<Pair> measured;
+    for (std::size_t i = 0; i < scene.pairs.size(); ++i)
+        if ((scene.inliers.empty() || scene.inliers[i] != 0) && isFinite(scene.pairs[i]))
+            measured.push_back(scene.pairs[i]);
+    const auto distances = quantilesOf(residualsOf(measured, *scene.map));
+    if (!distances)
         return {};
-    std::sort(distances.begin(), distances.end());
-    const auto quantile = [&distances](double share) {
-        const double distance = distances[static_cast<std::size_t>(share * static_cast<double>(distances.size() - 1))];
-        return distance < 1e-3 ? "less than 0.001 px" : fmt::format("{:.3g} px", distance);
-    };
     const char* const whose = scene.inliers.empty() ? "pairs" : "inliers";
-    return html::row({fmt::format("residual of the {}, median", whose), quantile(0.5)})
-           + html::row({"nine in ten are below", quantile(0.9)}) + html::row({"largest", quantile(1.0)});
+    return html::row({fmt::format("residual of the {}, median", whose), distanceText(distances->median)})
+           + html::row({"nine in ten are below", distanceText(distances->ninetyPercent)})
+           + html::row({"largest", distanceText(distances->largest)});
 }
 
 std::string resultSection(const Report& report)

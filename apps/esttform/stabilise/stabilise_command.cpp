@@ -1,5 +1,6 @@
 #include "stabilise/stabilise_command.h"
 
+#include "diagnosis/diagnosis.h"
 #include "diagnosis/not_found.h"
 #include "estimate/block_run.h"
 #include "geometry/point_map.h"
@@ -23,7 +24,7 @@ namespace esttform::app {
 
 namespace {
 
-/// Fewer inliers may agree by chance: any sample fits itself.
+/// Of fewer inliers the motion may be right and still some pixels off, which adds up along the path.
 constexpr std::int32_t MIN_INLIER_NUM = 10;
 /// A longer gap between two frame numbers is taken for a mistake.
 constexpr std::int64_t GAP_MAX = 100'000;
@@ -57,12 +58,10 @@ std::complex<double> centreOf(const StabiliseOptions& o, const Sequence& sequenc
 {
     if (!o.centre)
         return sequence.middle();
-    const std::size_t comma = o.centre->find(',');
-    const auto x = parseReal(std::string_view(*o.centre).substr(0, comma));
-    const auto y = comma == std::string::npos ? std::nullopt : parseReal(std::string_view(*o.centre).substr(comma + 1));
-    if (!x || !y || !std::isfinite(*x) || !std::isfinite(*y))
+    const auto centre = parseTwoReals(*o.centre, ',');
+    if (!centre || !std::isfinite((*centre)[0]) || !std::isfinite((*centre)[1]))
         throw Failure(fmt::format("--centre: got {}, expected x and y, for example 320,240", inQuotes(*o.centre)));
-    return {*x, *y};
+    return {(*centre)[0], (*centre)[1]};
 }
 
 /// Makes room for the frames that the input leaves out.
@@ -81,7 +80,8 @@ void skipTo(Sequence& sequence, std::int64_t frame, const std::string& name, War
 }
 
 /// Why a step's result is not used; empty if it is.
-std::string refusalOf(const StepResult& result, const MatchFrame& frame, const BlockSetup& setup, std::int32_t minInlierNum)
+std::string refusalOf(const StepResult& result, const MatchFrame& frame, Layout layout, const BlockSetup& setup,
+                      std::int32_t minInlierNum)
 {
     if (result.error)
         return fmt::format("{}: {}", result.error->id, result.error->text);
@@ -89,7 +89,8 @@ std::string refusalOf(const StepResult& result, const MatchFrame& frame, const B
         return fmt::format("no {} transformation found: {}", setup.typeText(), reasonNotFound(frame.pairs, setup));
     if (result.inliers != nullptr && result.inlierNum < minInlierNum)
         return fmt::format("{}, expected at least {} (--min-inliers)", counted(result.inlierNum, "inlier"), minInlierNum);
-    return {};
+    const Diagnosis diagnosis = diagnose(frame.pairs, result, layout, setup, "");
+    return diagnosis.isTrusted() ? "" : fmt::format("not to be trusted: {}", diagnosis.warnings.front().title);
 }
 
 Sequence readSequence(const StabiliseOptions& o, const BlockSetup& setup, Warnings& warnings)
@@ -107,7 +108,8 @@ Sequence readSequence(const StabiliseOptions& o, const BlockSetup& setup, Warnin
     while (const MatchFrame* const frame = source.next()) {
         skipTo(sequence, *frame->number, name, warnings);
         const StepResult& result = runStep(estimator, *frame);
-        const std::string refusal = refusalOf(result, *frame, setup, o.minInlierNum.value_or(MIN_INLIER_NUM));
+        const std::string refusal = refusalOf(result, *frame, estimator.layout(), setup,
+                                              o.minInlierNum.value_or(MIN_INLIER_NUM));
         if (!refusal.empty())
             warnings.print(name, fmt::format("frame {}: {}; bridged", *frame->number, refusal));
         sequence.maps.push_back(refusal.empty() ? std::optional(mapOf(result, estimator.layout())) : std::nullopt);

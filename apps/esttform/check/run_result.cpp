@@ -1,4 +1,4 @@
-#include "check/report.h"
+#include "check/run_result.h"
 
 #include "number_text.h"
 
