@@ -35,8 +35,9 @@ def item_list(items: str | os.PathLike[str] | Iterable[Item]) -> Iterable[Item]:
         return items
     path = str(os.fspath(items))
     if os.path.isdir(path):
-        files = [os.path.join(path, name) for name in os.listdir(path) if name.lower().endswith((".csv", ".tsv"))]
-        files = [file for file in files if os.path.isfile(file)]
+        names = [name for name in os.listdir(path) if name.lower().endswith((".csv", ".tsv")) and not name.startswith(".")]
+        files = [os.path.join(path, name) for name in names]
+        files = [file for file in files if os.path.isfile(file) or not os.path.exists(file)]    # a link to nowhere is reported
     else:
         files = [path] if os.path.exists(path) else glob.glob(path)
     if not files:

@@ -1,5 +1,6 @@
 // Many files by several processes: what stands in the results, and what becomes of them when something goes wrong.
 #include "batch/batch_files.h"
+#include "failure.h"
 #include "batch/batch_seed.h"
 #include "output/progress.h"
 #include "program.h"
@@ -272,7 +273,7 @@ TEST_F(BatchTest, ListIsSortedAndHoldsEachFileOnce)
     more.push_back(pairs + "/z.csv");
     EXPECT_EQ(esttform::app::batchFiles({pairs}, esttform::app::FileIdentity(pairs + "/results.csv")), more);
     std::filesystem::remove(pairs + "/results.csv");
-    EXPECT_EQ(esttform::app::batchFiles({pairs}, esttform::app::FileIdentity(all.front())), more);    // then refused
+    EXPECT_THROW(esttform::app::batchFiles({pairs}, esttform::app::FileIdentity(all.front())), esttform::app::Failure);
     EXPECT_EQ(esttform::app::batchSeed(0, 0), 2462723854U);   // later runs go on with the seeds of earlier ones
     EXPECT_EQ(esttform::app::batchSeed(7, 123), 2995101155U);
 }

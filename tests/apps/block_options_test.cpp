@@ -119,7 +119,7 @@ const RefusalCase REFUSALS[] = {
     {"samplesAndMost", {"--samples", "9", "--max-samples", "9"},
      "--max-samples: has no effect with the fixed number of --samples; leave one of them out"},
     {"medianThreshold", {"--method", "median", "--threshold-px", "2"},
-     "--threshold-px: has no effect with --method median, which takes the number of --samples; leave one of them out"},
+     "--threshold-px: has no effect with --method median, which takes the better half of the pairs; leave one of them out"},
     {"medianConfidence", {"--method", "median", "--confidence", "99"},
      "--confidence: has no effect with --method median, which takes the number of --samples; leave one of them out"},
     {"medianStop", {"--method", "median", "--stop-at-inliers", "50"},

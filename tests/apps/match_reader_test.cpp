@@ -150,7 +150,7 @@ TEST_P(ReaderFaultTest, NamesThePlace)
 const FaultCase FAULTS[] = {
     {"empty", "", "pairs.csv: no rows, expected rows of x1,y1,x2,y2"},
     {"onlyComments", "# nothing\n\n", "pairs.csv: no rows, expected rows of x1,y1,x2,y2"},
-    {"onlyHeader", "x1,y1,x2,y2\n", "pairs.csv: no rows after the header, expected 4 (x1,y1,x2,y2)"},
+    {"onlyHeader", "x1,y1,x2,y2\n", "pairs.csv: no rows after the header, expected rows of matched points"},
     {"oneColumn", "1 2 3 4\n", "pairs.csv:1: 1 column, expected 4 (x1,y1,x2,y2) separated by commas, tabs or semicolons"},
     {"threeColumns", "1,2,3\n", "pairs.csv:1: 3 columns, expected 4 (x1,y1,x2,y2)"},
     {"threeColumnsLater", "# head\n1,2,3,4\n\n1,2,3\n", "pairs.csv:4: 3 columns, expected 4 (x1,y1,x2,y2)"},

@@ -99,13 +99,10 @@ ExitCode runBatch(const BatchOptions& o)
     const Format format = formatOfOutput(o.outputPath);
     if (o.isResume && o.outputPath == "-")
         throw Failure("--resume: no effect with standard output; name a file with --output");
-    const FileIdentity output(o.outputPath);
-    const std::vector<std::string> files = batchFiles(o.inputs, output);
+    const std::vector<std::string> files = batchFiles(o.inputs, FileIdentity(o.outputPath));
     const auto fileNum = static_cast<std::int64_t>(files.size());
     for (const std::string& file : files)
-        if (output.isSameAsExisting(file))
-            throw Failure(fmt::format("--output: {} is one of the files to read", o.outputPath));
-        else if (format == Format::Csv && file.find('\n') != std::string::npos)
+        if (format == Format::Csv && file.find('\n') != std::string::npos)
             throw Failure(fmt::format("{}: a name with a line break; write the results to a .jsonl file", inQuotes(file)));
     const std::uint32_t seed = o.block.seed.value_or(0);
     const BatchFormat lines(format, setup, checkedLayout(setup), o.isDiagnosed);
@@ -133,7 +130,10 @@ ExitCode runBatch(const BatchOptions& o)
             results.append(entry.line);
             counts.add(entry.outcome);
         };
-        pool.run(keptNum, fileNum, take, [&] { progress.show(counts.sum() - keptNum); });
+        pool.run(keptNum, fileNum, take, [&] {
+            results.flush();
+            progress.show(counts.sum() - keptNum);
+        });
     }
     if (!o.isQuiet)
         printSummary(counts, fileNum, keptNum);

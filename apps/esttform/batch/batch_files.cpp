@@ -30,9 +30,9 @@ std::vector<std::string> filesOfFolder(const std::string& folder)
     std::error_code fault;
     for (fs::directory_iterator entry(folder, fault), end; !fault && entry != end; entry.increment(fault)) {
         std::error_code ignored;
-        const fs::file_type type = entry->status(ignored).type();    // of a link that leads nowhere: not found; it is reported
         const bool isHidden = entry->path().filename().native()[0] == '.';
-        if (isTable(entry->path()) && !isHidden && (type == fs::file_type::regular || type == fs::file_type::not_found))
+        const bool isLost = entry->is_symlink(ignored) && !entry->exists(ignored);   // a link that leads nowhere is reported
+        if (isTable(entry->path()) && !isHidden && (isLost || entry->is_regular_file(ignored)))
             files.push_back(entry->path().string());
     }
     if (fault)
@@ -72,13 +72,12 @@ std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, c
         std::error_code ignored;
         const bool isFolder = fs::is_directory(argument, ignored);
         const bool isPattern = argument.find_first_of("*?[") != std::string::npos && !fs::exists(argument, ignored);
-        if (!isFolder && !isPattern) {
-            files.push_back(argument);
-            continue;
-        }
-        for (std::string& file : isFolder ? filesOfFolder(argument) : filesOfPattern(argument))
-            if (!output.isSameAsExisting(file) || !isOfBatch(file))
+        const bool isNamed = !isFolder && !isPattern;
+        for (std::string& file : isNamed ? std::vector{argument} : isFolder ? filesOfFolder(argument) : filesOfPattern(argument))
+            if (!output.isSameAsExisting(file))
                 files.push_back(std::move(file));
+            else if (isNamed || !isOfBatch(file))
+                throw Failure(fmt::format("--output: {} is one of the files to read", file));
     }
     std::sort(files.begin(), files.end());
     files.erase(std::unique(files.begin(), files.end()), files.end());

@@ -12,7 +12,7 @@ namespace esttform::app {
 ///
 /// @param arguments   files; folders, of which the files *.csv and *.tsv are taken; patterns with * ? [ that no file has
 ///                    as its name
-/// @param output  where it is found in a folder or by a pattern and holds the results of a batch, it is left out
+/// @param output  the results of an earlier batch, where they are found in a folder or by a pattern, are left out
 /// @throws Failure  a folder that cannot be read or has no such file, a pattern that nothing matches
 std::vector<std::string> batchFiles(const std::vector<std::string>& arguments, const FileIdentity& output);
 

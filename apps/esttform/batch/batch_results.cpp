@@ -46,6 +46,7 @@ BatchResults::BatchResults(const std::string& path, const BatchFormat& format, b
     }
     if (mSize == 0)
         append(format.header());
+    flush();
 }
 
 BatchResults::~BatchResults()
@@ -95,13 +96,15 @@ void BatchResults::keep(const BatchFormat& format, const std::vector<std::string
     }
 }
 
-void BatchResults::append(const std::string& line)
+void BatchResults::flush()
 {
     std::size_t doneNum = 0;
-    while (doneNum < line.size()) {
-        const ssize_t written = ::write(mFile, line.data() + doneNum, line.size() - doneNum);
+    while (doneNum < mLines.size()) {
+        const ssize_t written = ::write(mFile, mLines.data() + doneNum, mLines.size() - doneNum);
         if (written < 0 && errno != EINTR) {
             const int errorCode = errno;
+            mLines.resize(doneNum);                      // whole lines of it stay
+            mSize += static_cast<std::int64_t>(mLines.rfind('\n') + 1);
             if (doneNum > 0 && mIsFile && ::ftruncate(mFile, mSize) != 0)
                 fail("write", errno);
             fail("write", errorCode);
@@ -111,7 +114,8 @@ void BatchResults::append(const std::string& line)
         if (written > 0)
             doneNum += static_cast<std::size_t>(written);
     }
-    mSize += static_cast<std::int64_t>(line.size());
+    mSize += static_cast<std::int64_t>(mLines.size());
+    mLines.clear();
 }
 
 }  // namespace esttform::app

@@ -33,11 +33,13 @@ public:
     BatchResults(const BatchResults&) = delete;
     BatchResults& operator=(const BatchResults&) = delete;
 
-    /// Appends a line, at once.
+    /// Appends a line; it is in the file after flush.
+    void append(const std::string& line) { mLines += line; }
+    /// Writes the lines.
     ///
-    /// @throws Failure     the disk is full or writing fails otherwise; no part of the line stays in a file
+    /// @throws Failure     the disk is full or writing fails otherwise; no part of a line stays in a file
     /// @throws ClosedPipe  the reader of standard output is gone
-    void append(const std::string& line);
+    void flush();
 
     /// Of the lines that were kept.
     const BatchCounts& keptCounts() const noexcept { return mKept; }
@@ -48,6 +50,7 @@ private:
 
     std::string mPath;
     int mFile = -1;
+    std::string mLines;    ///< not written yet
     bool mIsFile = false;  ///< and no pipe, device or standard output: it may be cut
     std::int64_t mSize = 0;   ///< of the complete lines, in bytes
     BatchCounts mKept;

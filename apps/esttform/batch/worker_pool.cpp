@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -23,10 +24,13 @@ namespace esttform::app {
 namespace {
 
 constexpr std::size_t BLOCK_SIZE = 64 * 1024;
-/// Tasks that a worker has at a time, so that it need not wait for the next.
-constexpr std::size_t TASK_MAX_NUM = 2;
+/// Tasks that a worker has at a time, so that it need not wait for the next: more while many are left, when they are handed out
+/// in one go; few in the end, so that no worker is left with several.
+constexpr std::int64_t TASK_MIN_NUM = 2, TASK_MAX_NUM = 16;
 /// Tasks a worker that may be handed out while an earlier one is not done.
 constexpr std::int64_t WINDOW_SIZE = 64;
+/// A worker gets at most this part of what is left to each.
+constexpr std::int64_t SHARE_NUM = 8;
 constexpr int TICK_MILLISECONDS = 100;
 
 bool writeAll(int file, const void* data, std::size_t size) noexcept
@@ -124,10 +128,12 @@ void WorkerPool::start(Worker& worker)
 /// The life of a worker: until there are no more tasks, or nobody takes the answers.
 void WorkerPool::serve(int tasks, int answers) const
 {
+    std::string answer;
     for (std::int64_t task = 0; readAll(tasks, &task, sizeof task);) {
         const std::string text = mWork(task);
         const std::size_t size = text.size();
-        if (!writeAll(answers, &size, sizeof size) || !writeAll(answers, text.data(), size))
+        answer.assign(reinterpret_cast<const char*>(&size), sizeof size).append(text);
+        if (!writeAll(answers, answer.data(), answer.size()))
             return;
     }
 }
@@ -169,10 +175,20 @@ void WorkerPool::replace(Worker& worker)
     start(worker);
 }
 
-bool WorkerPool::hand(Worker& worker, std::int64_t task) const
+/// Fills up what a worker has to do; a worker that is gone is found by its answers.
+void WorkerPool::hand(Worker& worker, std::size_t taskNum, std::int64_t end)
 {
-    worker.running.push_back(task);
-    return writeAll(worker.tasks, &task, sizeof task);
+    std::vector<std::int64_t> tasks;
+    while (worker.running.size() + tasks.size() < taskNum && (!mReturned.empty() || mHandedNum < end)) {
+        if (mReturned.empty()) {
+            tasks.push_back(mHandedNum++);
+        } else {
+            tasks.push_back(mReturned.front());
+            mReturned.pop_front();
+        }
+    }
+    worker.running.insert(worker.running.end(), tasks.begin(), tasks.end());
+    writeAll(worker.tasks, tasks.data(), tasks.size() * sizeof tasks[0]);
 }
 
 /// Takes what a worker has sent.
@@ -198,21 +214,16 @@ void WorkerPool::receive(Worker& worker)
 
 bool WorkerPool::run(std::int64_t begin, std::int64_t end, const Take& take, const std::function<void()>& tick)
 {
-    std::int64_t handedNum = begin;
-    const std::int64_t window = WINDOW_SIZE * static_cast<std::int64_t>(mWorkers.size());
+    mHandedNum = begin;
+    const auto workerNum = static_cast<std::int64_t>(mWorkers.size());
     std::vector<pollfd> files(mWorkers.size());
     for (std::int64_t next = begin; next < end;) {
-        for (std::size_t queued = 0; queued < TASK_MAX_NUM; ++queued)
-            for (Worker& worker : mWorkers) {
-                if (worker.running.size() > queued)
-                    continue;
-                if (!mReturned.empty()) {
-                    hand(worker, mReturned.front());     // a worker that is gone is found by its answers
-                    mReturned.pop_front();
-                } else if (handedNum < end && handedNum < next + window) {
-                    hand(worker, handedNum++);
-                }
-            }
+        const std::int64_t leftNum = end - mHandedNum;
+        const std::int64_t taskNum = std::min(std::clamp(leftNum / (SHARE_NUM * workerNum), TASK_MIN_NUM, TASK_MAX_NUM),
+                                              std::max<std::int64_t>(1, (leftNum + workerNum - 1) / workerNum));
+        for (Worker& worker : mWorkers)
+            if (static_cast<std::int64_t>(worker.running.size()) <= taskNum / 2)
+                hand(worker, static_cast<std::size_t>(taskNum), std::min(end, next + WINDOW_SIZE * workerNum));
         for (std::size_t i = 0; i < files.size(); ++i)
             files[i] = {mWorkers[i].answers, POLLIN, 0};
         const int readyNum = ::poll(files.data(), files.size(), TICK_MILLISECONDS);

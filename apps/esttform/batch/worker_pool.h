@@ -50,13 +50,14 @@ private:
 
     void start(Worker& worker);
     void serve(int tasks, int answers) const;
-    bool hand(Worker& worker, std::int64_t task) const;
+    void hand(Worker& worker, std::size_t taskNum, std::int64_t end);
     void receive(Worker& worker);
     void replace(Worker& worker);
     std::string stop(Worker& worker) const;
 
     Work mWork;
     std::vector<Worker> mWorkers;
+    std::int64_t mHandedNum = 0;            ///< tasks before this one have been handed out
     std::deque<std::int64_t> mReturned;     ///< tasks of a worker that ended over another
     std::map<std::int64_t, Answer> mDone;   ///< answered, not yet handed on
 };

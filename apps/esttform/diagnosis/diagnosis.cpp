@@ -172,8 +172,10 @@ void examineShape(const Case& c, Diagnosis& diagnosis)
     const double scale = std::sqrt(std::fabs(jacobian.det()));
     if (!(scale < SCALE_MAX && scale > 1.0 / SCALE_MAX) || !(jacobian.ratio() < RATIO_MAX))
         warn(diagnosis, "collapsed", "collapsed map",
-             fmt::format("in the middle of the points lengths change by a factor of {:.3g}, in one direction {:.3g} times as much as "
-                         "in the other", scale, jacobian.ratio()));
+             std::isfinite(jacobian.ratio())
+                 ? fmt::format("in the middle of the points lengths change by a factor of {:.3g}, in one direction {:.3g} times as "
+                               "much as in the other", scale, jacobian.ratio())
+                 : "in the middle of the points all or one direction is mapped to nothing, or to infinity");
     else if (jacobian.det() < 0.0)
         warn(diagnosis, "mirrored", "mirrored map", "TForm turns the picture over, as no camera does; right only for a picture that "
                                                     "is mirrored itself");

@@ -25,7 +25,7 @@ MatchReader::MatchReader(const std::string& path, const ReaderOptions& options) 
     if (mColumns.hasHeader) {
         mHeader = csvRow(mFields);
         if (!readFields())
-            throw Failure(fmt::format("{}: no rows after the header, expected {}", name(), mColumns.expected));
+            throw Failure(fmt::format("{}: no rows after the header, expected rows of matched points", name()));
     } else {
         mHeader = makeHeader();
     }

@@ -94,14 +94,16 @@ void refuseContradictions(const BlockOptions& o, OptionSpelling spelling)
                      {o.sampling.has_value(), "sampling"},
                      {o.isRefine, "refine"}},
                     fmt::format("has no effect with {}, which fits all pairs once; leave one of them out", spelling("no-robust")));
-    if (o.method && *o.method == "median")
-        refuseGiven({{o.threshold.has_value(), "threshold"},
-                     {o.thresholdPx.has_value(), "threshold-px"},
-                     {o.confidence.has_value(), "confidence"},
+    if (o.method && *o.method == "median") {
+        refuseGiven({{o.threshold.has_value(), "threshold"}, {o.thresholdPx.has_value(), "threshold-px"}},
+                    fmt::format("has no effect with {} median, which takes the better half of the pairs; leave one of them out",
+                                spelling("method")));
+        refuseGiven({{o.confidence.has_value(), "confidence"},
                      {o.stopAtInliers.has_value(), "stop-at-inliers"},
                      {o.maxSampleNum.has_value(), "max-samples"}},
                     fmt::format("has no effect with {} median, which takes the number of {}; leave one of them out",
                                 spelling("method"), spelling("samples")));
+    }
 }
 
 // ---- Settings
