@@ -70,6 +70,10 @@ TEST(ConfigFileTest, GivesWhatTheCommandLineDoesNot)
     const ProgramRun configured = runProgram({"estimate", "--format", "csv", "--config", config});
     EXPECT_EQ(configured.code, 0) << configured.err;
     EXPECT_EQ(configured.out, plain.out) << "the command line goes before";
+    const std::vector<std::string> given{"estimate", pairs, "--type", "similarity", "--threshold", "9", "--refine", "--seed", "7"};
+    std::vector<std::string> both = given;
+    both.insert(both.end(), {"--config", folder.write("bom.toml", "\xEF\xBB\xBF[estimate]\nthreshold-px = 2\nno-refine = true\n")});
+    EXPECT_EQ(runProgram(both).out, runProgram(given).out) << "so does another option for the same thing";
 }
 
 struct ConfigCase {

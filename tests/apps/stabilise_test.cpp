@@ -123,6 +123,12 @@ TEST(StabiliseTest, WritesOneRowAPictureAndBridgesWhatIsMissing)
     EXPECT_NE(run.err.find("frame 10: 3 inliers, expected at least 10"), std::string::npos) << run.err;
     const ProgramRun any = runProgram({"stabilise", path, "--seed", "1", "--min-inliers", "0"});
     EXPECT_NE(any.err.find("frame 10: not to be trusted: no more inliers than chance gives; bridged"), std::string::npos) << any.err;
+    RunSetting stream;
+    stream.input = text.substr(0, text.find("\n9,") + 1);
+    for (int i = 0; i < 99; ++i)
+        stream.input += frameRows(9, turn, centre - turn * centre);    // many times as large as the first frame
+    const std::string grown = folder.write("grown.csv", stream.input);
+    EXPECT_EQ(runProgram({"stabilise", "-", "--seed", "1"}, stream).out, runProgram({"stabilise", grown, "--seed", "1"}).out);
     const auto rows = numbersOf(run.out);
     ASSERT_EQ(rows.size(), 8u) << "motions 5 to 11";
     const double found[] = {1, 1, 0, 0, 1, 0, 1, -1};

@@ -136,11 +136,9 @@ BatchEntry BatchEstimator::estimateFile(const std::string& file, std::uint32_t s
         Options options = mSetup.options;
         options.isVariableSize = true;
         mEstimator.emplace(mSetup.params, mSetup.pointsType, source.maxPtsNum(), options);
-    } else if (source.maxPtsNum() > mEstimator->maxPtsNum()) {
-        growEstimator(*mEstimator, mSetup, source.maxPtsNum());
     }
     mEstimator->seed(seed);
-    const StepResult& result = runStep(*mEstimator, frame);
+    const StepResult& result = runStep(*mEstimator, mSetup, frame);
 
     std::string messages;
     const auto warn = [&](const std::string& text) {

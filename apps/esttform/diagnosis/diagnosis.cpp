@@ -144,8 +144,10 @@ void measureSampling(const Case& c, Diagnosis& diagnosis)
 void measureSpread(const Case& c, Diagnosis& diagnosis)
 {
     for (const std::size_t setIdx : {std::size_t(0), std::size_t(1)}) {
-        const double all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))).narrow;
-        const double ofInliers = extentOf(pointsOf(c.agreeing, setIdx)).narrow;
+        // A similarity is determined by points on a line; the others need points off it.
+        const auto reach = c.setup.transformType == static_cast<int>(TransformType::Similarity) ? &Extent::whole : &Extent::narrow;
+        const double all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))).*reach;
+        const double ofInliers = extentOf(pointsOf(c.agreeing, setIdx)).*reach;
         (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = all > 0.0 ? std::min(1.0, ofInliers / all) : 0.0;
     }
     if (std::min(*diagnosis.spread1, *diagnosis.spread2) < SPREAD_MIN)

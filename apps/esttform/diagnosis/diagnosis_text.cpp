@@ -13,8 +13,11 @@ namespace {
 
 std::string distancesText(const Diagnosis& d)
 {
-    return fmt::format("distances of the {}: median {}, nine in ten below {}, largest {}", d.inlierNum ? "inliers" : "pairs",
-                       distanceText(d.distances->median), distanceText(d.distances->ninetyPercent), distanceText(d.distances->largest));
+    const char* const what = d.inlierNum ? "inliers" : "pairs";
+    if (d.distances->largest < SHOWN_MIN_DISTANCE)
+        return fmt::format("distances of the {}: all {}", what, distanceText(d.distances->largest));
+    return fmt::format("distances of the {}: median {}, nine in ten up to {}, largest {}", what, distanceText(d.distances->median),
+                       distanceText(d.distances->ninetyPercent), distanceText(d.distances->largest));
 }
 
 std::string chanceText(const Diagnosis& d)

@@ -12,11 +12,15 @@ Estimator openEstimator(const BlockSetup& setup, const FrameSource& source, std:
     return Estimator(setup.params, setup.pointsType, source.maxPtsNum(), options);
 }
 
-const StepResult& runStep(Estimator& estimator, const MatchFrame& frame)
+const StepResult& runStep(Estimator& estimator, const BlockSetup& setup, const MatchFrame& frame,
+                          std::function<void(std::string_view)> trace)
 {
+    const auto ptsNum = static_cast<std::int32_t>(frame.pairs.size());
+    if (ptsNum > estimator.maxPtsNum())
+        growEstimator(estimator, setup, ptsNum, std::move(trace));
     packPoints(frame.pairs, 0, estimator.pointsType(), estimator.layout(), estimator.pts1Buffer());
     packPoints(frame.pairs, 1, estimator.pointsType(), estimator.layout(), estimator.pts2Buffer());
-    return estimator.step(static_cast<std::int32_t>(frame.pairs.size()));
+    return estimator.step(ptsNum);
 }
 
 }  // namespace esttform::app

@@ -17,7 +17,10 @@ namespace esttform::app {
 Estimator openEstimator(const BlockSetup& setup, const FrameSource& source,
                         std::function<void(std::string_view)> trace = {});
 
-/// One step over a frame's pairs. The result stays valid until the next step.
-const StepResult& runStep(Estimator& estimator, const MatchFrame& frame);
+/// One step over a frame's pairs, with more room than before if it has more. The result stays valid until the next step.
+///
+/// @param trace  as of openEstimator
+const StepResult& runStep(Estimator& estimator, const BlockSetup& setup, const MatchFrame& frame,
+                          std::function<void(std::string_view)> trace = {});
 
 }  // namespace esttform::app

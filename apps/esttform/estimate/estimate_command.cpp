@@ -138,9 +138,7 @@ ExitCode runEstimate(const EstimateOptions& o)
     StepLabel label;
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
         label.frame = frame->number;
-        if (source.maxPtsNum() > estimator.maxPtsNum())
-            growEstimator(estimator, setup, source.maxPtsNum());
-        const StepResult& result = runStep(estimator, *frame);
+        const StepResult& result = runStep(estimator, setup, *frame);
         std::optional<Diagnosis> diagnosis;
         if (isDiagnosed)
             diagnosis = diagnose(frame->pairs, result, layout, setup,

@@ -9,7 +9,7 @@ namespace esttform::app {
 
 class InlierWriter {
 public:
-    /// Opens the output and writes the header.
+    /// Opens the output.
     ///
     /// @param header  of the input, comma-separated
     /// @throws Failure  as OutputFile
@@ -25,6 +25,7 @@ public:
 
 private:
     OutputFile mOutput;
+    std::string mHeader;  ///< until the first step: a run without one leaves what was there
 };
 
 }  // namespace esttform::app

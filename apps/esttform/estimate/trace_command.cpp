@@ -43,9 +43,7 @@ ExitCode runTrace(const TraceOptions& o)
             const MatchFrame* const frame = source.next();
             if (frame == nullptr)
                 break;
-            if (source.maxPtsNum() > estimator.maxPtsNum())
-                growEstimator(estimator, setup, source.maxPtsNum(), traceLine);
-            runStep(estimator, *frame);
+            runStep(estimator, setup, *frame, traceLine);
         }
     } catch (const Error&) {
         writeLines();

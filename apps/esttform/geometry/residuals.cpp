@@ -43,7 +43,7 @@ std::optional<DistanceQuantiles> quantilesOf(const std::vector<Residual>& residu
 
 std::string distanceText(double distance)
 {
-    return distance < 1e-3 ? "less than 0.001 px" : fmt::format("{:.3g} px", distance);
+    return distance < SHOWN_MIN_DISTANCE ? "less than 0.001 px" : fmt::format("{:.3g} px", distance);
 }
 
 ThresholdRange thresholdRange(const std::vector<Residual>& residuals, const std::vector<std::uint8_t>& inliers, double threshold)

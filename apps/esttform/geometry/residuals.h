@@ -30,6 +30,9 @@ struct DistanceQuantiles {
 /// A distance that is not finite counts as infinite. Empty without residuals.
 std::optional<DistanceQuantiles> quantilesOf(const std::vector<Residual>& residuals);
 
+/// Below this a distance is only said to be.
+constexpr double SHOWN_MIN_DISTANCE = 1e-3;
+
 /// "0.213 px", "less than 0.001 px".
 std::string distanceText(double distance);
 

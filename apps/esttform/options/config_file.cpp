@@ -145,6 +145,20 @@ void checkValues(CLI::Option& option, const std::vector<std::string>& values)
     }
 }
 
+/// True if the command line says the same thing by another option, which wins as the same option would.
+bool isOverruled(const CLI::App& command, const std::string& key)
+{
+    constexpr std::pair<const char*, const char*> ALTERNATIVES[] = {
+        {"threshold", "threshold-px"}, {"refine", "no-refine"}, {"diagnose", "no-diagnose"}};
+    for (const auto& [one, other] : ALTERNATIVES)
+        for (const auto& [inFile, given] : {std::pair{one, other}, std::pair{other, one}}) {
+            const CLI::Option* const option = command.get_option_no_throw(std::string("--") + given);
+            if (key == inFile && option != nullptr && option->count() > 0)
+                return true;
+        }
+    return false;
+}
+
 }  // namespace
 
 std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const
@@ -156,6 +170,8 @@ std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const
     std::string line, key;
     for (int lineNo = 1; std::getline(input, line); ++lineNo) {
         key.clear();
+        if (lineNo == 1 && line.rfind("\xEF\xBB\xBF", 0) == 0)    // of editors that mark UTF-8
+            line.erase(0, 3);
         try {
             LineScanner scanner(line);
             if (scanner.isAtEnd())
@@ -181,7 +197,8 @@ std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const
             checkValues(option, item.inputs);
             if (!seen.emplace(command->get_name(), key).second)
                 throw Failure("given twice");
-            values.push_back(item);
+            if (!isOverruled(*command, key))
+                values.push_back(item);
         } catch (const Failure& e) {
             throw Failure(fmt::format("{}:{}: {}{}{}", name, lineNo, key, key.empty() ? "" : ": ", e.what()));
         }

@@ -3,6 +3,7 @@
 #include "output/standard_error.h"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -57,8 +58,11 @@ void Progress::show(std::int64_t doneNum)
     const Clock::time_point now = Clock::now();
     mNext = now + INTERVAL;
     gIsOnScreen = 1;
-    writeToStandardError(fmt::format("\r{}\x1b[K", lineOf(mUnit, doneNum, mTotalNum,
-                                                         std::chrono::duration<double>(now - mBegin).count())));
+    std::string line = lineOf(mUnit, doneNum, mTotalNum, std::chrono::duration<double>(now - mBegin).count());
+    winsize size{};                                      // a line that wraps could not be taken back
+    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        line.resize(std::min<std::size_t>(line.size(), size.ws_col - 1U));
+    writeToStandardError(fmt::format("\r{}\x1b[K", line));
 }
 
 void Progress::hide()

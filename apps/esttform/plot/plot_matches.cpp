@@ -17,6 +17,7 @@ constexpr double PAIR_WIDTH = 640.0, PAIR_MIN_HEIGHT = 120.0, PAIR_MAX_HEIGHT = 
 /// Ratios of width to height between which a frame of two is kept.
 constexpr double SLIMMEST = 1.0 / 3.0, WIDEST = 3.0;
 constexpr double HEADING_HEIGHT = 18.0;
+constexpr std::size_t FEW_MAX_NUM = 300;  ///< pairs whose marks are drawn above the outlines
 
 /// Lines of a class; across two images they are long and hide more.
 constexpr std::int64_t LINE_MAX_NUM = 800, LONG_LINE_MAX_NUM = 100;
@@ -168,22 +169,32 @@ void MatchPanel::drawBackground(PlotCanvas& canvas) const
     }
 }
 
+void MatchPanel::drawOutlines(cairo_t* cr) const
+{
+    if (!mScene.map)
+        return;
+    {
+        const FrameClip clip(cr, mFirst);
+        traceOutline(cr, mFirst, outlineOf(mOutlined));
+        strokeFirstOutline(cr);
+    }
+    const FrameClip clip(cr, mSecond);
+    for (const Polyline& part : mCarried)
+        traceOutline(cr, mSecond, part);
+    strokeCarriedOutline(cr);
+}
+
 void MatchPanel::draw(PlotCanvas& canvas) const
 {
     cairo_t* const cr = canvas.context();
     drawBackground(canvas);
+    // Many marks would hide the outlines, and the outlines, which run through the outermost points, few marks.
+    const bool isOutlineAbove = mScene.pairs.size() > FEW_MAX_NUM;
+    if (!isOutlineAbove)
+        drawOutlines(cr);
     mMarks.draw(cr);
-    if (mScene.map) {
-        {
-            const FrameClip clip(cr, mFirst);
-            traceOutline(cr, mFirst, outlineOf(mOutlined));
-            strokeFirstOutline(cr);
-        }
-        const FrameClip clip(cr, mSecond);
-        for (const Polyline& part : mCarried)
-            traceOutline(cr, mSecond, part);
-        strokeCarriedOutline(cr);
-    }
+    if (isOutlineAbove)
+        drawOutlines(cr);
     drawAxes(canvas, mFirst);
     if (mIsSideBySide) {
         drawAxes(canvas, mSecond);

@@ -31,6 +31,7 @@ private:
 
     MatchPanel(const PlotScene& scene, const Content& content, PlotCanvas& measure);
     void drawBackground(PlotCanvas& canvas) const;
+    void drawOutlines(cairo_t* cr) const;
     std::vector<LegendEntry> legend() const;
 
     const PlotScene& mScene;

@@ -139,7 +139,7 @@ ExitCode runRegister(const RegisterOptions& o)
                       ExitCode::NothingFound);
 
     Estimator estimator(setup.params, setup.pointsType, static_cast<std::int32_t>(frame.pairs.size()), setup.options);
-    const StepResult& result = runStep(estimator, frame);
+    const StepResult& result = runStep(estimator, setup, frame);
     const Layout layout = estimator.layout();
     if (o.format == "text")
         output.write(counts + "\n");

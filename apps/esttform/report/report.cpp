@@ -70,8 +70,15 @@ std::string findings(const Report& report)
         notes += finding(note.severity, note.title, note.text);
     if (!report.result.error.empty())
         warnings += finding(Severity::Error, "step refused", report.result.error);
+    const auto isAmongNotes = [&report](const std::string& text) {
+        return std::any_of(report.diagnosis.begin(), report.diagnosis.end(), [&text](const DiagnosisNote& note) {
+            return note.severity == Severity::Warning && text.size() > note.text.size()
+                   && text.compare(text.size() - note.text.size(), note.text.size(), note.text) == 0;
+        });
+    };
     for (const auto& [where, text] : report.warnings)
-        warnings += finding(Severity::Warning, where, text);
+        if (!isAmongNotes(text))
+            warnings += finding(Severity::Warning, where, text);
     return (notes.empty() ? "" : html::section("Diagnosis", notes)) + (warnings.empty() ? "" : html::section("Warnings", warnings));
 }
 

@@ -8,6 +8,7 @@
 #include "options/option_checks.h"
 #include "output/output_file.h"
 #include "output/output_paths.h"
+#include "output/progress.h"
 #include "output/warnings.h"
 #include "stabilise/plot_trajectory.h"
 #include "stabilise/trajectory_writer.h"
@@ -105,15 +106,20 @@ Sequence readSequence(const StabiliseOptions& o, const BlockSetup& setup, Warnin
     Estimator estimator = openEstimator(setup, source);
     Sequence sequence;
     sequence.name = name;
+    std::int64_t doneNum = 0;
+    Progress progress("frames", source.stepNum(), o.isQuiet);
     while (const MatchFrame* const frame = source.next()) {
         skipTo(sequence, *frame->number, name, warnings);
-        const StepResult& result = runStep(estimator, *frame);
+        const StepResult& result = runStep(estimator, setup, *frame);
         const std::string refusal = refusalOf(result, *frame, estimator.layout(), setup,
                                               o.minInlierNum.value_or(MIN_INLIER_NUM));
-        if (!refusal.empty())
+        if (!refusal.empty()) {
+            progress.hide();
             warnings.print(name, fmt::format("frame {}: {}; bridged", *frame->number, refusal));
+        }
         sequence.maps.push_back(refusal.empty() ? std::optional(mapOf(result, estimator.layout())) : std::nullopt);
         sequence.addPoints(*frame);
+        progress.show(++doneNum);
     }
     return sequence;
 }
@@ -171,9 +177,14 @@ ExitCode runStabilise(const StabiliseOptions& o)
     const BlockSetup setup = resolveBlockOptions(o.block);
     const PlotFormat plotFormat = o.plotPath.empty() ? PlotFormat::Svg : plotFormatOf(o.plotPath);
     refuseWrongOutputs({{"--output", o.outputPath}, {"--plot", o.plotPath}}, {{"MATCHES", o.input.path}});
+    if (o.minInlierNum && !setup.hasInlierOutput)
+        throw Failure("--min-inliers: the block has no inlier output with these settings; leave out --no-robust and "
+                      "--no-inlier-output");
     OutputFile output(o.outputPath);
     const auto plotFile = o.plotPath.empty() ? nullptr : std::make_unique<OutputFile>(o.plotPath);
     Warnings warnings(o.isQuiet);
+    if (o.centre)
+        centreOf(o, {});                                 // a wrong one is refused before the work
     const Sequence sequence = readSequence(o, setup, warnings);
     const StabilisedPath stabilised = stabilisedOf(o, sequence, warnings);
     output.write(trajectoryCsv(stabilised));
