@@ -21,8 +21,11 @@ constexpr std::array<const char*, 8> DTYPE_NAMES{"float64", "float32", "int8", "
 /// An array whatever was given; a sequence of numbers becomes an array of doubles.
 py::array arrayOf(const py::object& points, const char* name)
 {
-    if (py::isinstance<py::array>(points))
+    if (py::isinstance<py::array>(points)) {
+        if (py::hasattr(points, "mask") && py::module_::import("numpy.ma").attr("is_masked")(points).cast<bool>())
+            throw py::value_error(fmt::format("{}: got masked points, expected none; leave such pairs out of both", name));
         return py::reinterpret_borrow<py::array>(points);
+    }
     if (points.is_none() || py::isinstance<py::str>(points))
         throw py::type_error(fmt::format("{}: got {}, expected an array of points", name,
                                          std::string(py::str(py::type::of(points).attr("__name__")))));
@@ -74,7 +77,8 @@ PointArray::PointArray(const py::object& points, const char* name, std::optional
     const bool isRows = mArray.ndim() == 2 && mArray.shape(1) == 2;
     const bool isColumns = mArray.ndim() == 2 && mArray.shape(0) == 2;
     if (!isRows && !isColumns)
-        throw py::value_error(fmt::format("{}: got shape {}, expected N-by-2 or 2-by-N", name, shapeText()));
+        throw py::value_error(fmt::format("{}: got shape {}, expected N-by-2 or 2-by-N{}", name, shapeText(),
+                                          mArray.size() % 2 == 0 && mArray.ndim() == 3 ? "; reshape(-1, 2) makes it so" : ""));
     mConvention = convention.value_or(isRows ? Convention::Rows : Convention::Columns);
     if (mConvention == Convention::Rows ? !isRows : !isColumns)
         throw py::value_error(fmt::format("{}: got shape {}, expected {}", name, shapeText(),

@@ -21,6 +21,8 @@ def test_refusals_say_what_was_found_and_expected(capfd):
     closed.close()
     cases = [
         (ValueError, r"pts1: got shape \(4, 3\), expected N-by-2 or 2-by-N", lambda: esttform.estimate(np.zeros((4, 3)), good)),
+        (ValueError, r"pts1: got shape \(40, 1, 2\), .*; reshape\(-1, 2\) makes it so", lambda: esttform.estimate(good[:, None], good)),
+        (ValueError, "pts1: got masked points", lambda: esttform.estimate(np.ma.masked_greater(good, 600), good)),
         (ValueError, r"pts2: got shape \(39, 2\), expected that of pts1, \(40, 2\)", lambda: esttform.estimate(good, good[1:])),
         (TypeError, "got elements of type int64, expected one of float64", lambda: esttform.estimate(whole, whole)),
         (TypeError, "pts2: got elements of type float32, expected float64", lambda: esttform.estimate(good, good.astype("f"))),
