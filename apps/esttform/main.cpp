@@ -19,7 +19,9 @@
 #include "stabilise/stabilise_command.h"
 
 #include <CLI/CLI.hpp>
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -136,10 +138,20 @@ ExitCode run(int argc, char** argv)
     return trace.parsed() ? runTrace(traceOptions) : runEstimate(estimateOptions);
 }
 
+/// Opens what the starter has closed, so that no file of results takes its place and gets the messages, too. Reading from it or
+/// writing to it fails as before.
+void occupyStandardFiles() noexcept
+{
+    for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(file, F_GETFD) < 0)
+            static_cast<void>(::open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    occupyStandardFiles();
     for (const int signal : {SIGPIPE, SIGXFSZ})          // a write then fails, and what is half-written is removed
         std::signal(signal, SIG_IGN);
     watchInterruption([]() noexcept {

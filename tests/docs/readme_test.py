@@ -66,7 +66,8 @@ def run_python(folder, environment, page, blocks):
 
 for page in pages:
     blocks = re.findall(r"```(\w*)\n(.*?)```", (source / page).read_text(), re.S)
-    shown += [text for language, text in blocks if language == ""]
+    languages = ["", *(language for language, _ in blocks)]
+    shown += [text for (language, text), before in zip(blocks, languages) if language == "" and (python or before != "python")]
     with tempfile.TemporaryDirectory() as folder:
         # The commands run in a copy of the folders that they name, so that nothing is left in the sources.
         (pathlib.Path(folder) / "examples").symlink_to(source / "examples")
