@@ -163,10 +163,11 @@ TEST_F(BatchTest, ResumeLeavesAloneWhatIsNotItsOwn)
     };
     const std::string pairs = folder.path("pairs"), lines = wholeResults("whole.jsonl"), table = wholeResults("whole.csv");
     const std::string extra = lines + linesOf(lines).back() + "\n";
-    for (const ResumeCase& c : {ResumeCase{"seed.jsonl", lines, {pairs, "--seed", "5"}, "--resume needs the same --seed"},
-                                ResumeCase{"files.jsonl", lines, {pairs + "/p1.csv", "--seed", "4"}, "--resume needs the same files"},
-                                ResumeCase{"more.jsonl", extra, {pairs, "--seed", "4"}, "q.tsv\", expected no more"},
+    for (const ResumeCase& c : {ResumeCase{"seed.jsonl", lines, {pairs, "--seed", "5", "--type", "similarity"}, "--resume needs the same --seed"},
+                                ResumeCase{"files.jsonl", lines, {pairs + "/p1.csv", "--seed", "4", "--type", "similarity"}, "--resume needs the same files"},
+                                ResumeCase{"more.jsonl", extra, {pairs, "--seed", "4", "--type", "similarity"}, "q.tsv\", expected no more"},
                                 ResumeCase{"other.jsonl", "{\"step\":0}\n", {pairs}, ":1: no result of a batch"},
+                                ResumeCase{"type.jsonl", lines, {pairs, "--seed", "4", "--type", "projective"}, "no result of a batch with these"},
                                 ResumeCase{"columns.csv", table, {pairs, "--type", "projective"}, ":1: other columns"}}) {
         const std::string path = folder.write(c.name, c.results);
         Words words{"batch", "-o", path, "--resume"};

@@ -20,11 +20,6 @@ namespace {
 /// How a line of 'estimate' about step 0 starts.
 constexpr std::string_view STEP_JSON = "{\"step\":0", STEP_CSV = "0", STEP_HEADER = "step";
 
-std::string textJson(const std::string& text)
-{
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
 }  // namespace
 
 std::string packed(const BatchEntry& entry)
@@ -82,6 +77,8 @@ bool BatchFormat::parse(const std::string& line, std::string& file, std::uint32_
             return false;
         file = entry["file"];
         seed = entry["seed"];
+        if (!entry["tform"].is_null() && entry["tform"].size() != static_cast<std::size_t>(mShape.tformRows))
+            return false;                                // of another type or layout
         outcome = entry["tform"].is_null() ? BatchOutcome::Bad : BatchOutcome::NotFound;
         for (const auto& row : entry["tform"])
             for (const auto& value : row)

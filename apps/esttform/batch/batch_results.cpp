@@ -83,7 +83,7 @@ void BatchResults::keep(const BatchFormat& format, const std::vector<std::string
         BatchOutcome outcome{};
         const auto idx = mKept.sum();
         if (!format.parse(line, name, lineSeed, outcome))
-            throw Failure(fmt::format("{}:{}: no result of a batch; --resume cannot go on with it", mPath, lineNo));
+            throw Failure(fmt::format("{}:{}: no result of a batch with these settings; --resume cannot go on with it", mPath, lineNo));
         const bool isMore = idx >= static_cast<std::int64_t>(files.size());
         const std::string expected = isMore ? "" : validText(files[static_cast<std::size_t>(idx)]);
         if (isMore || name != expected)

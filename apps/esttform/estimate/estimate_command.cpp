@@ -64,6 +64,64 @@ std::string whereOf(const StepLabel& label, const MatchReader& reader)
     return reader.hasFrames() ? fmt::format("{}: step {}", reader.name(), label.step) : reader.name();
 }
 
+/// What a run writes to.
+struct Outputs {
+    Outputs(const EstimateOptions& o, const std::string& header) : results(o.outputPath, unfinishedOf(o))
+    {
+        if (!o.inliersPath.empty())
+            inliers.emplace(o.inliersPath, header, unfinishedOf(o));
+        if (!o.plotPath.empty())
+            plot.emplace(o.plotPath);
+        if (!o.reportPath.empty())
+            report.emplace(o.reportPath);
+    }
+
+    /// Hands on the results of a step; the rows of inliers only to those who follow them.
+    void flush(bool areInliersFollowed)
+    {
+        results.flush();
+        if (inliers && areInliersFollowed)
+            inliers->flush();
+    }
+    void commitResults()
+    {
+        results.commit();
+        if (inliers)
+            inliers->commit();
+    }
+    void show(const Report& shown, const BlockSetup& setup, PlotFormat plotFormat)
+    {
+        if (plot)
+            plot->write(renderPlot(shown.scene, shown.inputName, setup.typeText(), plotFormat));
+        if (report)
+            report->write(renderReport(shown, setup));
+        for (std::optional<OutputFile>* const file : {&plot, &report})
+            if (*file)
+                (*file)->commit();
+    }
+
+    OutputFile results;
+    std::optional<InlierWriter> inliers;
+    std::optional<OutputFile> plot, report;
+
+private:
+    static Unfinished unfinishedOf(const EstimateOptions& o) { return o.input.isFollowed ? Unfinished::InPlace : Unfinished::Keep; }
+};
+
+/// Says what the block and the diagnosis have against a step.
+void warnOf(Warnings& warnings, const std::string& where, const StepResult& result, const BlockSetup& setup,
+            const std::string& reasonNotFound, const std::optional<Diagnosis>& diagnosis)
+{
+    for (const Message& warning : result.warnings)
+        warnings.print(where, fmt::format("{}: {}{}", warning.id, warning.text,
+                                          warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
+    if (!result.isFound() && !result.error)
+        warnings.print(where, fmt::format("no {} transformation found: {}", setup.typeText(), reasonNotFound));
+    if (diagnosis && result.isFound())
+        for (const DiagnosisNote& note : diagnosis->warnings)
+            warnings.print(where, fmt::format("not to be trusted: {}: {}", note.title, note.text));
+}
+
 }  // namespace
 
 void addEstimateOptions(CLI::App& command, EstimateOptions& o)
@@ -111,26 +169,16 @@ ExitCode runEstimate(const EstimateOptions& o)
     readerOptions.keepRows = !o.inliersPath.empty();
     FrameSource source(o.input, readerOptions, setup.sampleSize(), setup.typeText());
     const MatchReader& reader = source.reader();
+    if (o.plotStep && !source.isStreamed() && *o.plotStep >= source.stepNum())
+        throw Failure(fmt::format("--plot-step: got {}, expected a step from 0 to {}", *o.plotStep, source.stepNum() - 1));
 
     Estimator estimator = openEstimator(setup, source);
     const Layout layout = estimator.layout();
-    if (o.plotStep && !source.isStreamed() && *o.plotStep >= source.stepNum())
-        throw Failure(fmt::format("--plot-step: got {}, expected a step from 0 to {}", *o.plotStep, source.stepNum() - 1));
-    const Unfinished unfinished = o.input.isFollowed ? Unfinished::InPlace : Unfinished::Keep;
-    OutputFile output(o.outputPath, unfinished);
-    std::unique_ptr<InlierWriter> inlierWriter;
-    if (!o.inliersPath.empty())
-        inlierWriter = std::make_unique<InlierWriter>(o.inliersPath, reader.header(), unfinished);
-    std::unique_ptr<OutputFile> plotFile, reportFile;
-    if (!o.plotPath.empty())
-        plotFile = std::make_unique<OutputFile>(o.plotPath);
-    if (!o.reportPath.empty())
-        reportFile = std::make_unique<OutputFile>(o.reportPath);
-
-    Warnings warnings(o.isQuiet);
+    Outputs outputs(o, reader.header());
     const bool isDiagnosisWritten = o.isDiagnosed || formatOf(o.format) == Format::Text;
-    const bool isDiagnosed = !o.isNotDiagnosed && (isDiagnosisWritten || reportFile);
-    ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, output);
+    const bool isDiagnosed = !o.isNotDiagnosed && (isDiagnosisWritten || outputs.report);
+    ResultWriter writer(formatOf(o.format), {reader.name(), setup.typeText(), layout, reader.hasFrames()}, outputs.results);
+    Warnings warnings(o.isQuiet);
     ShownStep shownStep(o.plotStep);
     const bool isOnTerminal = o.outputPath == "-" && ::isatty(STDOUT_FILENO) == 1;   // the results show how far it is
     Progress progress("steps", source.stepNum(), o.isQuiet || isOnTerminal);
@@ -139,33 +187,22 @@ ExitCode runEstimate(const EstimateOptions& o)
     for (; const MatchFrame* const frame = source.next(); ++label.step) {
         label.frame = frame->number;
         const StepResult& result = runStep(estimator, setup, *frame);
+        const std::string reason = result.isFound() || result.error ? "" : reasonNotFound(frame->pairs, setup);
         std::optional<Diagnosis> diagnosis;
         if (isDiagnosed)
-            diagnosis = diagnose(frame->pairs, result, layout, setup,
-                                 result.isFound() || result.error ? "" : reasonNotFound(frame->pairs, setup));
+            diagnosis = diagnose(frame->pairs, result, layout, setup, reason);
         const InterruptionHold hold;                     // a step is written to all its outputs or to none
         writer.write(label, result, diagnosis && isDiagnosisWritten ? &*diagnosis : nullptr);
-        if (inlierWriter)
-            inlierWriter->write(*frame, result);
+        if (outputs.inliers)
+            outputs.inliers->write(*frame, result);
         if (source.isStreamed())
-            output.flush();
-        if (inlierWriter && o.input.isFollowed)
-            inlierWriter->flush();
-        if (plotFile || reportFile)
+            outputs.flush(o.input.isFollowed);
+        if (outputs.plot || outputs.report)
             shownStep.offer(label, *frame, result, layout, setup, diagnosis ? notesOf(*diagnosis) : std::vector<DiagnosisNote>());
         if (!result.warnings.empty() || !result.isFound() || (diagnosis && !diagnosis->isTrusted()))
             progress.hide();
-        for (const Message& warning : result.warnings)
-            warnings.print(whereOf(label, reader), fmt::format("{}: {}{}", warning.id, warning.text,
-                                                               warning.count > 1 ? fmt::format(" ({} times)", warning.count) : ""));
-        if (result.isFound())
-            ++foundNum;
-        else if (!result.error)
-            warnings.print(whereOf(label, reader), fmt::format("no {} transformation found: {}", setup.typeText(),
-                                                               reasonNotFound(frame->pairs, setup)));
-        if (diagnosis && result.isFound())
-            for (const DiagnosisNote& note : diagnosis->warnings)
-                warnings.print(whereOf(label, reader), fmt::format("not to be trusted: {}: {}", note.title, note.text));
+        warnOf(warnings, whereOf(label, reader), result, setup, reason, diagnosis);
+        foundNum += result.isFound() ? 1 : 0;
         progress.show(label.step + 1);
     }
     progress.hide();
@@ -173,24 +210,15 @@ ExitCode runEstimate(const EstimateOptions& o)
         warnings.print(reader.name(), fmt::format("{} of {} have a coordinate that is not finite{}", source.nonFiniteNum(),
                                                   counted(source.pairNum(), "pair"),
                                                   setup.isRobust ? "; they are never inliers" : ""));
-    output.commit();                                     // a picture that fails takes no results with it
-    if (inlierWriter)
-        inlierWriter->commit();
-    if (plotFile || reportFile) {
+    outputs.commitResults();                             // a picture that fails takes no results with it
+    if (outputs.plot || outputs.report) {
         Report& report = shownStep.report(label.step);
         addImages(report.scene, image1, image2, warnings);
         report.inputName = reader.name();
         report.foundNum = foundNum;
         report.warnings = warnings.kept();
-        if (plotFile)
-            plotFile->write(renderPlot(report.scene, reader.name(), setup.typeText(), plotFormat));
-        if (reportFile)
-            reportFile->write(renderReport(report, setup));
+        outputs.show(report, setup, plotFormat);
     }
-    if (plotFile)
-        plotFile->commit();
-    if (reportFile)
-        reportFile->commit();
     return foundNum > 0 ? ExitCode::Done : ExitCode::NothingFound;
 }
 

@@ -50,12 +50,12 @@ std::string inliersJson(const StepResult& result)
     return fmt::format("\"inliers\":[{}],\"inlierNum\":{}", mask, result.inlierNum);
 }
 
+}  // namespace
+
 std::string textJson(const std::string& text)
 {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
-
-}  // namespace
 
 Format formatOf(const std::string& name) noexcept
 {

@@ -34,6 +34,9 @@ struct RunLabel {
 /// The equation that TForm stands for.
 const char* equationOf(const StepResult& result, Layout layout) noexcept;
 
+/// A JSON string; bytes that are not UTF-8 become U+FFFD.
+std::string textJson(const std::string& text);
+
 /// One JSON object on one line, with line end. Keys: step, frame (with frames), ptsNum, tform (list of rows), inliers
 /// (0 or 1 a pair) and inlierNum (both null without inlier output), warnings (identifiers), error ("id: text" or null).
 /// Numbers have the fewest digits that read back; a value that is not finite is null. Single values are written as the
