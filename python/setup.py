@@ -19,7 +19,7 @@ setup(
     packages=["esttform"],
     package_data={"esttform": ["py.typed", "*.pyi"]},
     cmake_source_dir="..",
-    cmake_args=["-DESTTFORM_BUILD_TESTS=OFF", "-DCMAKE_BUILD_TYPE=Release"],
+    cmake_args=["-DESTTFORM_BUILD_TESTS=OFF", "-DESTTFORM_INSTALL=OFF", "-DCMAKE_BUILD_TYPE=Release"],
     cmake_install_target="install_wheel",
     zip_safe=False,
 )
