@@ -16,7 +16,8 @@ def generate_code(
     *,
     max_points: int,
     dtype: DTypeLike = "float64",
-    layout: str = "columns",
+    layout: str = "rows",
+    order: str = "C",
     name: str = "esttform",
     variable_size: bool = False,
     main: bool = False,
@@ -32,8 +33,11 @@ def generate_code(
         Point pairs of a step; with `variable_size` the most.
     dtype : data type
         Element type of the points, one of the block's eight.
-    layout : {"columns", "rows"}
-        Memory of the points: "columns" is x0, y0, x1, ..., "rows" is all x, then all y.
+    layout : {"rows", "columns"}
+        N-by-2 or 2-by-N.
+    order : {"C", "F"}
+        Order of the points in memory, as of `Estimator`: N-by-2 in C order is x0, y0, x1, ..., as 2-by-N in F order is; the other
+        two are all x, then all y.
     name : str
         A C identifier: prefix of the files and of what other sources see.
     variable_size : bool
@@ -60,4 +64,4 @@ def generate_code(
     """
     if "seed" in settings:
         raise TypeError("generate_code has no setting 'seed': generated code is seeded when it runs")
-    return _core.generate_code(max_points, dtype, layout, name, variable_size, main, settings_of(type, settings))
+    return _core.generate_code(max_points, dtype, layout, order, name, variable_size, main, settings_of(type, settings))

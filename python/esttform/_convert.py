@@ -43,7 +43,7 @@ def as_tform(transform: Any, layout: str = "rows") -> NDArray[Any]:
     ----------
     transform : array_like or a transform of scikit-image
         2-by-3 (``cv2.estimateAffine2D``) or 3-by-3 (``cv2.findHomography``), acting on column vectors (x, y, 1); or an object
-        with such a matrix in `params`.
+        with a 3-by-3 one in `params`.
     layout : {"rows", "columns"}
         The convention of the points that the result is for.
 
@@ -59,9 +59,11 @@ def as_tform(transform: Any, layout: str = "rows") -> NDArray[Any]:
         Another shape or layout.
     """
     _refuse_layout(layout)
-    matrix = np.asarray(getattr(transform, "params", transform))
-    if matrix.shape not in ((2, 3), (3, 3)):
-        raise ValueError(f"transform: got shape {matrix.shape}, expected 2-by-3 or 3-by-3")
+    is_object = hasattr(transform, "params")
+    matrix = np.asarray(transform.params if is_object else transform)
+    if matrix.shape not in (((3, 3),) if is_object else ((2, 3), (3, 3))):     # params of two rows are polynomials
+        expected = "an object with 3-by-3 params" if is_object else "2-by-3 or 3-by-3"
+        raise ValueError(f"transform: got shape {matrix.shape}, expected {expected}")
     if matrix.shape == (3, 3) and np.array_equal(matrix[2], [0, 0, 1]):
         matrix = matrix[:2]
     return np.ascontiguousarray(matrix.T if layout == "rows" else matrix)

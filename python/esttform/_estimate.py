@@ -6,6 +6,7 @@ from types import TracebackType
 from typing import TYPE_CHECKING, Any
 
 from esttform import _core
+from esttform._errors import ClosedError
 from esttform._result import Result
 
 if TYPE_CHECKING:
@@ -61,14 +62,14 @@ def estimate(
         Stop sampling once this many percent of the pairs are inliers. Default: off.
     sampling : {"random", "cyclic"}
         Cyclic steps through the pairs. Default "random".
-    tform_type : {"double", "single"}
+    tform_type : {"double", "single"} or data type
         Type of the result for integer points; double and single points give their own. Default "double".
     params : dict
         Raw dialog values of the block by name or index, over all others.
     seed : int
         Start of the random numbers, 0 to 4294967295; without it the processor time, so that two runs may differ a little.
-    block : str
-        Path of the block's library.
+    block : path
+        The block's library.
 
     Returns
     -------
@@ -118,7 +119,8 @@ class Estimator:
     order : {"C", "F"}
         Memory order in which the block reads the points, whatever order they come in; see `estimate`.
     **settings
-        As of `estimate`. `seed` starts the random numbers when the estimator is opened.
+        As of `estimate`. `seed` starts the random numbers when the estimator is opened; other blocks that the process opens or
+        steps draw from them, too. With other blocks about, give each step a seed to have the same results again.
 
     Raises
     ------
@@ -162,7 +164,7 @@ class Estimator:
         Parameters
         ----------
         pts1, pts2 : array_like
-            In the estimator's element type and layout.
+            In the estimator's element type and layout. The result keeps them for `Result.plot`, without a copy.
         seed : int, optional
             Starts the random numbers anew; without it they go on from the last step.
 
@@ -183,7 +185,7 @@ class Estimator:
         Parameters
         ----------
         points : int
-            How many pairs these are.
+            How many pairs these are. The result does not keep them: the next step has others in their place.
         seed : int, optional
             As of `step`.
 
@@ -195,9 +197,8 @@ class Estimator:
         if not 0 <= points <= self._block.room:
             raise ValueError(f"points: got {points}, expected 0 to {self._block.room}")
         pts1, pts2 = self._block.pts1, self._block.pts2
-        if self._is_rows:
-            return self._block.step(pts1[:points], pts2[:points], seed)
-        return self._block.step(pts1[:, :points], pts2[:, :points], seed)
+        shown = (slice(points), slice(None)) if self._is_rows else (slice(None), slice(points))
+        return self._block.step(pts1[shown], pts2[shown], seed).without_points()
 
     @property
     def pts1(self) -> NDArray[Any]:
@@ -241,6 +242,8 @@ class Estimator:
         self._block.close()
 
     def __enter__(self) -> Estimator:
+        if self.closed:
+            raise ClosedError("the estimator is closed; open another one")
         return self
 
     def __exit__(self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None) -> None:

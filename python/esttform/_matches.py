@@ -12,7 +12,7 @@ if TYPE_CHECKING:
 
 
 def read_matches(
-    path: str | os.PathLike[str], dtype: DTypeLike = "float64", columns: Sequence[str] = ()
+    path: str | os.PathLike[str], dtype: DTypeLike = "float64", columns: Sequence[str | int] = ()
 ) -> tuple[NDArray[Any], NDArray[Any]]:
     """Matched points of a CSV or TSV file.
 
@@ -22,7 +22,7 @@ def read_matches(
         A file with columns x1, y1, x2, y2, by name or, without a header, in this order. ``-`` is standard input.
     dtype : data type
         Element type of the points, one of the block's eight.
-    columns : sequence of str, optional
+    columns : sequence of str or int, optional
         Other names, or positions counted from 1, of these four columns.
 
     Returns
@@ -40,4 +40,4 @@ def read_matches(
     >>> pts1.shape == pts2.shape
     True
     """
-    return _core.read_matches(os.fspath(path), dtype, list(columns))
+    return _core.read_matches(os.fsencode(path), dtype, [str(column) for column in columns])

@@ -1,11 +1,12 @@
-"""Work in several processes, none of which may be missed: a chunk of work that a process takes with it is given to another."""
+"""Work in several processes, none of which may be missed: work that a process takes with it is given to another."""
 
 from __future__ import annotations
 
 import multiprocessing
 import signal
+from collections import Counter, deque
 from multiprocessing.connection import Connection, wait
-from typing import Any, Callable, Dict, Generic, Iterator, List, Sequence, Tuple, TypeVar
+from typing import Any, Callable, Deque, Generic, Iterator, List, Sequence, Tuple, TypeVar, Union
 
 from esttform._errors import LostProcessError
 
@@ -13,7 +14,7 @@ WorkT = TypeVar("WorkT")
 DoneT = TypeVar("DoneT")
 
 LOST_MAX = 3
-"""Processes that one chunk may cost: work that kills its process must come to an end."""
+"""Processes that one piece of work may cost alone: what kills its process must come to an end."""
 
 
 class _Worker(Generic[WorkT, DoneT]):
@@ -24,15 +25,15 @@ class _Worker(Generic[WorkT, DoneT]):
         self._process = multiprocessing.Process(target=_serve, args=(others, self.pipe, make, arguments), daemon=True)
         self._process.start()
         others.close()                                      # so that the end of the process is the end of the pipe
-        self.position = -1
+        self.first = -1
         self.chunk: List[WorkT] = []
 
-    def give(self, position: int, chunk: List[WorkT]) -> None:
-        self.position, self.chunk = position, chunk
+    def give(self, first: int, chunk: List[WorkT]) -> None:
+        self.first, self.chunk = first, chunk
         try:
             self.pipe.send(chunk)
-        except (BrokenPipeError, ConnectionResetError):
-            pass                                            # found when its results are taken
+        except OSError:
+            pass                                            # the process is gone, which is found when its results are taken
 
     def end(self) -> int | None:
         """Ends the process; its exit code."""
@@ -44,52 +45,62 @@ class _Worker(Generic[WorkT, DoneT]):
 
 def by_processes(
     make: Callable[..., Callable[[WorkT], DoneT]], arguments: Sequence[Any], chunks: Iterator[List[WorkT]], job_num: int
-) -> Iterator[Tuple[int, List[DoneT]]]:
-    """The results of chunks of work with the positions of the chunks, as they are ready.
+) -> Iterator[Tuple[int, List[Union[DoneT, LostProcessError]]]]:
+    """The results of chunks of work, as they are ready, each with the position of its first piece.
 
     Every process calls ``make(*arguments)`` and calls what it gets for every piece of work. A chunk is drawn when a process has
-    nothing to do, so that memory does not grow with their number.
-
-    Raises
-    ------
-    LostProcessError
-        When the processes with one chunk ended `LOST_MAX` times.
+    nothing to do, so that memory does not grow with their number. The pieces of a chunk that was lost with its process are
+    given out one by one; in the place of the result of one that ends `LOST_MAX` processes stands a `LostProcessError`. Work that
+    cannot be sent to a process is done in this one.
     """
-    numbered = enumerate(chunks)
-    lost_nums: Dict[int, int] = {}
+    again: Deque[Tuple[int, List[WorkT]]] = deque()
+    lost_nums: Counter[int] = Counter()
+    following = _with_positions(chunks)
     workers: List[_Worker[WorkT, DoneT]] = []
+    work_here: Callable[[WorkT], DoneT] | None = None
+    idle: List[_Worker[WorkT, DoneT]] = []
     try:
-        for position, chunk in numbered:
-            workers.append(_Worker(make, arguments))
-            workers[-1].give(position, chunk)
-            if len(workers) == job_num:
-                break
-        while workers:
+        while True:
+            while len(workers) < job_num:
+                first, chunk = again.popleft() if again else next(following, (-1, []))
+                if not chunk:
+                    break
+                worker = idle.pop() if idle else _Worker(make, arguments)
+                try:
+                    worker.give(first, chunk)
+                    workers.append(worker)
+                except Exception:                           # whatever pickling makes of it
+                    idle.append(worker)
+                    work_here = work_here or make(*arguments)
+                    yield first, [work_here(piece) for piece in chunk]
+            if not workers:
+                return
             ready = wait([worker.pipe for worker in workers])
             for worker in [worker for worker in workers if worker.pipe in ready]:
+                workers.remove(worker)
                 try:
                     done = worker.pipe.recv()
-                except (EOFError, ConnectionResetError):
-                    workers.remove(worker)
+                except (EOFError, OSError):
                     exit_code = worker.end()
-                    lost_nums[worker.position] = lost_nums.get(worker.position, 0) + 1
-                    if lost_nums[worker.position] == LOST_MAX:
-                        raise LostProcessError(
-                            f"{LOST_MAX} processes with the same {len(worker.chunk)} items ended, the last with exit code {exit_code}"
-                        ) from None
-                    workers.append(_Worker(make, arguments))
-                    workers[-1].give(worker.position, worker.chunk)
+                    lost_nums[worker.first] += len(worker.chunk) == 1
+                    if lost_nums[worker.first] < LOST_MAX:
+                        again.extend((worker.first + idx, [piece]) for idx, piece in enumerate(worker.chunk))
+                        continue
+                    lost = LostProcessError(f"{LOST_MAX} processes with this item ended, the last with exit code {exit_code}")
+                    yield worker.first, [lost]
                     continue
-                yield worker.position, done
-                following = next(numbered, None)
-                if following is None:
-                    workers.remove(worker)
-                    worker.end()
-                else:
-                    worker.give(*following)
+                idle.append(worker)
+                yield worker.first, done
     finally:
-        for worker in workers:
+        for worker in [*workers, *idle]:
             worker.end()
+
+
+def _with_positions(chunks: Iterator[List[WorkT]]) -> Iterator[Tuple[int, List[WorkT]]]:
+    first = 0
+    for chunk in chunks:
+        yield first, chunk
+        first += len(chunk)
 
 
 def _serve(pipe: Connection, other_end: Connection, make: Callable[..., Callable[[Any], Any]], arguments: Sequence[Any]) -> None:
@@ -99,5 +110,5 @@ def _serve(pipe: Connection, other_end: Connection, make: Callable[..., Callable
     try:
         while True:
             pipe.send([work(piece) for piece in pipe.recv()])
-    except (EOFError, BrokenPipeError, ConnectionResetError):
+    except (EOFError, OSError):
         pass                                                # the starter is gone

@@ -146,12 +146,12 @@ class Result:
         Raises
         ------
         ValueError
-            The result no longer has its points: it was pickled, or comes from `estimate_many`.
+            The result does not have its points: it was pickled, or comes from `estimate_many` or `Estimator.step_in_place`.
         """
         from esttform._plot import plot_result
 
         if self._pts1 is None or self._pts2 is None:
-            raise ValueError("the result does not have its points any more; it was sent from another process")
+            raise ValueError("the result does not have its points: it is from another process, estimate_many or step_in_place")
         return plot_result(self, self._pts1, self._pts2, ax)
 
     def without_points(self) -> Result:

@@ -14,8 +14,7 @@ from dask.bag.core import Bag, from_delayed
 from dask.base import compute
 from dask.delayed import Delayed, delayed
 
-from esttform._estimate import Estimator
-from esttform._many import ItemEstimator, Outcome, item_list, item_seed
+from esttform._many import ItemEstimator, Outcome, item_list, item_seed, refuse_wrong_call
 
 if TYPE_CHECKING:
     import pandas
@@ -34,7 +33,7 @@ def estimate_many(
     npartitions: int | None = None,
     dtype: DTypeLike | None = None,
     layout: str | None = None,
-    columns: Sequence[str] = (),
+    columns: Sequence[str | int] = (),
     errors: str = "raise",
     **settings: Any,
 ) -> Bag:
@@ -99,10 +98,7 @@ def _estimated(
     items: Any, npartitions: int | None, arguments: Tuple[Any, ...], seed: int, errors: str
 ) -> List[Tuple[Delayed, int]]:
     """The delayed list of outcomes of every partition, with the position of its first item."""
-    if errors not in ("raise", "return"):
-        raise ValueError(f"errors: got {errors!r}, expected raise or return")
-    type, settings = arguments[0], arguments[-1]
-    Estimator(type, max_points=4, **settings).close()       # wrong settings are refused before work is handed out
+    refuse_wrong_call(seed, errors, arguments)
     if isinstance(items, Bag):
         parts = items.to_delayed()
         sizes = compute(*[delayed(_size)(part) for part in parts])

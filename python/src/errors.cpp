@@ -12,7 +12,8 @@ namespace {
 void raise(const char* name, const char* text)
 {
     const py::object type = py::module_::import("esttform._errors").attr(name);
-    PyErr_SetString(type.ptr(), text);
+    const auto message = py::reinterpret_steal<py::object>(PyUnicode_DecodeFSDefault(text));    // names of files are any bytes
+    PyErr_SetObject(type.ptr(), message.ptr());
 }
 
 }  // namespace

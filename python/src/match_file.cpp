@@ -15,6 +15,7 @@ py::tuple readMatches(const std::string& path, const py::object& dtype, const st
     app::ReaderOptions options;
     options.pointsType = typeOfDtype(py::dtype::from_args(dtype), "dtype");
     options.columns = columns;
+    options.columnsName = "columns";
     app::MatchFrame frame;
     {
         const py::gil_scoped_release release;

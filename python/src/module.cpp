@@ -6,8 +6,11 @@
 #include "running_block.h"
 #include "settings.h"
 
+#include <fmt/format.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
+
+#include <limits>
 
 namespace py = pybind11;
 
@@ -16,17 +19,19 @@ namespace esttform::python {
 namespace {
 
 /// Sources by name, as 'esttform codegen' writes them.
-py::dict generate(const py::object& maxPoints, const py::object& dtype, const std::string& layout, const std::string& name,
-                  bool isVariableSize, bool withMain, const py::dict& keywords)
+py::dict generate(const py::object& maxPoints, const py::object& dtype, const std::string& layout, const std::string& order,
+                  const std::string& name, const py::object& isVariableSize, const py::object& withMain, const py::dict& keywords)
 {
-    const Layout blockLayout = conventionOf(layout) == Convention::Rows ? Layout::Rows : Layout::Columns;
+    const Layout blockLayout = layoutOf(conventionOf(layout), order);
     const app::BlockSetup setup = settingsOf(keywords, typeOfDtype(py::dtype::from_args(dtype), "dtype"), blockLayout);
     CodeOptions options;
     options.name = name;
-    options.isVariableSize = isVariableSize;
-    options.withMain = withMain;
+    options.isVariableSize = truth(isVariableSize, "variable_size");
+    options.withMain = truth(withMain, "main");
     options.blockPath = setup.options.blockPath;
     const std::uint32_t maxPtsNum = wholeNumber(maxPoints, "max_points");
+    if (maxPtsNum > static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max()))
+        throw py::value_error(fmt::format("max_points: got {}, more than the block can count", maxPtsNum));
     py::dict files;
     for (const GeneratedFile& file : generateCode(setup.params, setup.pointsType, static_cast<std::int32_t>(maxPtsNum), options))
         files[py::str(file.name)] = file.text;
@@ -43,10 +48,12 @@ PYBIND11_MODULE(_core, module)
     module.attr("__version__") = ESTTFORM_VERSION;
     addErrors();
     module.def("estimate", &estimateOnce, py::arg("pts1"), py::arg("pts2"), py::arg("layout"), py::arg("order"), py::arg("settings"));
-    module.def("generate_code", &generate, py::arg("max_points"), py::arg("dtype"), py::arg("layout"), py::arg("name"),
-               py::arg("variable_size"), py::arg("with_main"), py::arg("settings"));
+    module.def("generate_code", &generate, py::arg("max_points"), py::arg("dtype"), py::arg("layout"), py::arg("order"),
+               py::arg("name"), py::arg("variable_size"), py::arg("with_main"), py::arg("settings"));
     module.def("read_matches", &readMatches, py::arg("path"), py::arg("dtype"), py::arg("columns"));
-    module.def("batch_seed", &esttform::app::batchSeed, py::arg("seed"), py::arg("index"));
+    module.def("batch_seed", [](const py::object& seed, const py::object& index) {
+        return esttform::app::batchSeed(wholeNumber(seed, "seed"), wholeNumber(index, "index"));
+    }, py::arg("seed"), py::arg("index"));
     py::class_<RunningBlock>(module, "RunningBlock")
         .def(py::init<const py::dict&, const py::object&, const py::object&, const py::object&, const py::object&>(), py::arg("settings"),
              py::arg("layout"), py::arg("order"), py::arg("dtype"), py::arg("max_points"))

@@ -29,9 +29,18 @@ py::array arrayOf(const py::object& points, const char* name)
     if (points.is_none() || py::isinstance<py::str>(points))
         throw py::type_error(fmt::format("{}: got {}, expected an array of points", name,
                                          std::string(py::str(py::type::of(points).attr("__name__")))));
-    if (py::hasattr(points, "__array__"))
+    if (py::hasattr(points, "__array__") || PyObject_CheckBuffer(points.ptr()) == 1)
         return py::module_::import("numpy").attr("asarray")(points);
-    return py::module_::import("numpy").attr("asarray")(points, "float64");
+    try {
+        return py::module_::import("numpy").attr("asarray")(points, "float64");
+    } catch (const py::error_already_set& e) {
+        const std::string text = fmt::format("{}: got a {} that is no array of numbers, expected N-by-2 or 2-by-N points: {}", name,
+                                             std::string(py::str(py::type::of(points).attr("__name__"))),
+                                             std::string(py::str(e.value())));
+        if (e.matches(PyExc_TypeError))
+            throw py::type_error(text);
+        throw py::value_error(text);
+    }
 }
 
 }  // namespace

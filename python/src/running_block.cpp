@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <functional>
 #include <mutex>
+#include <tuple>
 
 #include <pthread.h>
 
@@ -81,49 +82,48 @@ RunningBlock::RunningBlock(const py::dict& keywords, const py::object& layout, c
     : mConvention(conventionOf(py::str(layout))), mLayout(layoutOf(mConvention, py::str(order))), mIsGrowing(maxPtsNum.is_none()),
       mSetup(settingsOf(keywords, typeOfDtype(py::dtype::from_args(dtype), "dtype"), mLayout))
 {
-    makeRoom(mIsGrowing ? FIRST_ROOM : wholeNumber(maxPtsNum, "max_points"));
+    const std::shared_ptr<const Arrays> arrays = arraysFor(mIsGrowing ? FIRST_ROOM : wholeNumber(maxPtsNum, "max_points"));
+    const BlockTurn turn;
+    open(arrays);
 }
 
 RunningBlock::~RunningBlock()
 {
-    if (mEstimator)
+    if (isOpen())
         close();
 }
 
-void RunningBlock::makeRoom(std::int64_t wanted)
+std::shared_ptr<const RunningBlock::Arrays> RunningBlock::arraysFor(std::int64_t ptsNum) const
 {
-    if (static_cast<std::size_t>(wanted) > app::MatchReader::PAIR_MAX_NUM)
-        throw py::value_error(fmt::format("max_points: got {}, expected 0 to {}", wanted, app::MatchReader::PAIR_MAX_NUM));
-    const auto ptsNum = static_cast<std::int32_t>(wanted);
-    py::array pts1 = pointBuffer(mSetup.pointsType, mConvention, mLayout, ptsNum);
-    py::array pts2 = pointBuffer(mSetup.pointsType, mConvention, mLayout, ptsNum);
-    mSetup.options.isVariableSize = true;
-    if (mLayout == Layout::Columns) {                       // in rows the block wants the y of n points behind their n x
-        mSetup.options.pts1 = pts1.data();
-        mSetup.options.pts2 = pts2.data();
+    if (static_cast<std::size_t>(ptsNum) > app::MatchReader::PAIR_MAX_NUM)
+        throw py::value_error(fmt::format("max_points: got {}, expected 0 to {}", ptsNum, app::MatchReader::PAIR_MAX_NUM));
+    const auto num = static_cast<std::int32_t>(ptsNum);
+    return std::make_shared<const Arrays>(Arrays{pointBuffer(mSetup.pointsType, mConvention, mLayout, num),
+                                                 pointBuffer(mSetup.pointsType, mConvention, mLayout, num), num});
+}
+
+/// Opens the block over the arrays, for the first time or with more room. In a turn; the caller keeps the old arrays until it
+/// has ended.
+void RunningBlock::open(const std::shared_ptr<const Arrays>& arrays)
+{
+    app::BlockSetup setup = mSetup;
+    setup.options.isVariableSize = true;
+    if (isBound()) {                                        // in rows the block wants the y of n points behind their n x
+        setup.options.pts1 = arrays->pts1.data();
+        setup.options.pts2 = arrays->pts2.data();
     }
-    {
-        const BlockTurn turn;
-        if (mEstimator)
-            app::reopenEstimator(*mEstimator, mSetup, ptsNum);
-        else
-            mEstimator.emplace(mSetup.params, mSetup.pointsType, ptsNum, mSetup.options);
-        std::swap(mPts1, pts1);                             // counts no references, which would take the interpreter's lock
-        std::swap(mPts2, pts2);
-        mRoom = ptsNum;
-    }
+    if (mEstimator)
+        app::reopenEstimator(*mEstimator, setup, arrays->ptsNum);
+    else
+        mEstimator.emplace(setup.params, setup.pointsType, arrays->ptsNum, setup.options);
+    std::atomic_store(&mArrays, arrays);
+    mIsOpen = true;
 }
 
 void RunningBlock::refuseClosed() const
 {
-    if (!mEstimator)
+    if (!isOpen())
         throw Closed();
-}
-
-/// True for points that lie where the block reads them.
-bool RunningBlock::isOwn(const PointArray& points, const py::array& own) const noexcept
-{
-    return mSetup.options.pts1 != nullptr && points.data() == own.data() && points.liesIn(Layout::Columns);
 }
 
 py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, const py::object& seed)
@@ -137,29 +137,41 @@ py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, co
     if (first.type() != mSetup.pointsType)
         throw py::type_error(fmt::format("pts1: got elements of type {}, expected {}, with which the estimator was opened",
                                          dtypeName(first.type()), dtypeName(mSetup.pointsType)));
-    if (first.num() > mRoom) {
+    const std::shared_ptr<const Arrays> before = std::atomic_load(&mArrays);    // kept until the interpreter's lock is back
+    std::shared_ptr<const Arrays> larger;
+    if (first.num() > before->ptsNum) {
         if (!mIsGrowing)
             throw py::value_error(fmt::format("got {} points, expected up to {}, with which the estimator was opened", first.num(),
-                                              mRoom));
-        makeRoom(app::grownPtsNum(mRoom, first.num()));
+                                              before->ptsNum));
+        larger = arraysFor(app::grownPtsNum(before->ptsNum, first.num()));
     }
-    const bool isBound = mSetup.options.pts1 != nullptr;
-    for (const auto& [points, own] : {std::pair(&first, &mPts1), std::pair(&second, &mPts2)})
-        if (isBound && !isOwn(*points, *own) && (isWithin(*points, mPts1) || isWithin(*points, mPts2)))
-            throw py::value_error(fmt::format("{}: got a part of the estimator's own arrays, expected their first points or a copy",
-                                              points->name()));
     refuseNonFinite(first);
     refuseNonFinite(second);
 
     StepOutcome outcome(mSetup, first.num());
+    std::shared_ptr<const Arrays> own;
     {
         const BlockTurn turn;
         if (!mEstimator)                                    // another thread closed it
             throw Closed();
-        if (!isOwn(first, mPts1))
-            first.copyTo(isBound ? const_cast<void*>(mPts1.data()) : mEstimator->pts1Buffer(), mLayout);
-        if (!isOwn(second, mPts2))
-            second.copyTo(isBound ? const_cast<void*>(mPts2.data()) : mEstimator->pts2Buffer(), mLayout);
+        own = std::atomic_load(&mArrays);                   // another thread may have made room meanwhile
+        if (first.num() > own->ptsNum) {
+            open(larger);
+            std::swap(own, larger);
+        }
+        for (const auto& [points, array] : {std::pair(&first, &own->pts1), std::pair(&second, &own->pts2)}) {
+            if (isBound() && points->data() == array->data() && points->liesIn(Layout::Columns))
+                continue;                                   // they are where the block reads them
+            if (isBound() && (isWithin(*points, own->pts1) || isWithin(*points, own->pts2)))
+                throw py::value_error(fmt::format("{}: got a part of the estimator's own arrays, expected their first points or a copy",
+                                                  points->name()));
+        }
+        for (const auto& [points, array, buffer] : {std::tuple(&first, &own->pts1, mEstimator->pts1Buffer()),
+                                                    std::tuple(&second, &own->pts2, mEstimator->pts2Buffer())}) {
+            void* const target = isBound() ? const_cast<void*>(array->data()) : buffer;
+            if (points->data() != target)
+                points->copyTo(target, mLayout);
+        }
         if (isSeeded)
             mEstimator->seed(start);
         outcome.take(mEstimator->step(first.num()), mLayout, first, second, mSetup);
@@ -167,21 +179,22 @@ py::object RunningBlock::step(const py::object& pts1, const py::object& pts2, co
     return outcome.toResult(pts1, pts2, mConvention, mSetup);
 }
 
-const py::array& RunningBlock::pts1() const
+py::array RunningBlock::pts1() const
 {
     refuseClosed();
-    return mPts1;
+    return std::atomic_load(&mArrays)->pts1;
 }
 
-const py::array& RunningBlock::pts2() const
+py::array RunningBlock::pts2() const
 {
     refuseClosed();
-    return mPts2;
+    return std::atomic_load(&mArrays)->pts2;
 }
 
-void RunningBlock::setParam(const py::object& key, double value)
+void RunningBlock::setParam(const py::object& key, const py::object& value)
 {
     refuseClosed();
+    const double number = realNumber(value, "value");
     const auto name = py::str(key).cast<std::string>();
     for (const ParamInfo& info : paramTable()) {
         if (name != info.name && name != std::to_string(info.index))
@@ -189,8 +202,8 @@ void RunningBlock::setParam(const py::object& key, double value)
         const BlockTurn turn;
         if (!mEstimator)
             throw Closed();
-        mEstimator->setParam(info.index, value);
-        mSetup.params[static_cast<std::size_t>(info.index)] = value;
+        mEstimator->setParam(info.index, number);
+        mSetup.params[static_cast<std::size_t>(info.index)] = number;
         return;
     }
     throw py::value_error(fmt::format("got {}, expected the name of a dialog parameter or its index from 0 to {}", name, PARAM_NUM - 1));
@@ -198,15 +211,21 @@ void RunningBlock::setParam(const py::object& key, double value)
 
 py::dict RunningBlock::params() const
 {
+    auto numbers = mSetup.params;
+    {
+        const BlockTurn turn;
+        numbers = mSetup.params;
+    }
     py::dict values;
     for (const ParamInfo& info : paramTable())
-        values[info.name] = mSetup.params[static_cast<std::size_t>(info.index)];
+        values[info.name] = numbers[static_cast<std::size_t>(info.index)];
     return values;
 }
 
 void RunningBlock::close()
 {
     const BlockTurn turn;
+    mIsOpen = false;
     mEstimator.reset();
 }
 

@@ -1,5 +1,6 @@
 // RunningBlock: one open block and the arrays that it reads, for steps from Python.
 // Blocks share the C library's random numbers, so one block of the process runs at a time; meanwhile Python code goes on.
+// Threads may share one: what changes while it is open changes in its turn, under the block's lock.
 #pragma once
 
 #include "options/block_settings.h"
@@ -7,7 +8,9 @@
 
 #include <pybind11/numpy.h>
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace esttform::python {
@@ -33,29 +36,36 @@ public:
 
     /// Arrays of room() points; Rows: N-by-2, Columns: 2-by-N. Where x and y of a point lie side by side the block reads them
     /// in place.
-    const pybind11::array& pts1() const;
-    const pybind11::array& pts2() const;
-    std::int32_t room() const noexcept { return mRoom; }
-    bool isOpen() const noexcept { return mEstimator.has_value(); }
+    pybind11::array pts1() const;
+    pybind11::array pts2() const;
+    std::int32_t room() const noexcept { return std::atomic_load(&mArrays)->ptsNum; }
+    bool isOpen() const noexcept { return mIsOpen; }
     DataType pointsType() const noexcept { return mSetup.pointsType; }
 
     /// Changes a tunable dialog value, by name or index.
-    void setParam(const pybind11::object& key, double value);
+    void setParam(const pybind11::object& key, const pybind11::object& value);
     pybind11::dict params() const;
     void close();
 
 private:
-    void makeRoom(std::int64_t ptsNum);
-    bool isOwn(const PointArray& points, const pybind11::array& own) const noexcept;
+    /// Where the block reads the points of a step, or where callers find memory for them.
+    struct Arrays {
+        pybind11::array pts1, pts2;
+        std::int32_t ptsNum;
+    };
+
+    std::shared_ptr<const Arrays> arraysFor(std::int64_t ptsNum) const;
+    void open(const std::shared_ptr<const Arrays>& arrays);
+    bool isBound() const noexcept { return mLayout == Layout::Columns; }
     void refuseClosed() const;
 
     Convention mConvention;
     Layout mLayout;
     bool mIsGrowing;
     app::BlockSetup mSetup;
-    std::int32_t mRoom = 0;
-    pybind11::array mPts1, mPts2;
-    std::optional<Estimator> mEstimator;
+    std::shared_ptr<const Arrays> mArrays;  ///< replaced in a turn of the block, by larger ones only; freed with the interpreter's lock
+    std::optional<Estimator> mEstimator;    ///< touched in a turn of the block only
+    std::atomic<bool> mIsOpen = false;
 };
 
 /// Estimates once; the block reads the arrays in place where their elements lie as it can read them.

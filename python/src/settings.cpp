@@ -47,6 +47,14 @@ std::vector<std::string> paramTexts(const py::handle& value)
     return texts;
 }
 
+std::string pathOf(const py::object& value)
+{
+    PyObject* bytes = nullptr;
+    if (PyUnicode_FSConverter(value.ptr(), &bytes) == 0)
+        throw py::error_already_set();
+    return py::reinterpret_steal<py::bytes>(bytes);
+}
+
 /// Moves the value of a keyword out of those that are left.
 py::object taken(py::dict& keywords, const char* name)
 {
@@ -74,6 +82,16 @@ std::uint32_t wholeNumber(const py::handle& value, const std::string& name)
     return static_cast<std::uint32_t>(number);
 }
 
+double realNumber(const py::handle& value, const std::string& name)
+{
+    return valueOf<double>(value, name, "a number");
+}
+
+bool truth(const py::handle& value, const std::string& name)
+{
+    return valueOf<bool>(value, name, "True or False");
+}
+
 std::string keywordSpelling(std::string_view name)
 {
     if (name.substr(0, 3) == "no-")
@@ -97,7 +115,7 @@ app::BlockSetup settingsOf(const py::dict& keywords, DataType pointsType, Layout
     };
     const auto real = [&](const char* name, std::optional<double>& target) {
         if (const py::object value = taken(left, name); !value.is_none())
-            target = valueOf<double>(value, name, "a number");
+            target = realNumber(value, name);
     };
     const auto whole = [&](const char* name, std::optional<std::uint32_t>& target) {
         if (const py::object value = taken(left, name); !value.is_none())
@@ -105,13 +123,15 @@ app::BlockSetup settingsOf(const py::dict& keywords, DataType pointsType, Layout
     };
     const auto flag = [&](const char* name) -> std::optional<bool> {
         const py::object value = taken(left, name);
-        return value.is_none() ? std::nullopt : std::optional<bool>(valueOf<bool>(value, name, "True or False"));
+        return value.is_none() ? std::nullopt : std::optional<bool>(truth(value, name));
     };
     word("type", o.type);
     word("method", o.method);
     word("sampling", o.sampling);
-    word("tform_type", o.tformType);
-    word("block", o.blockPath);
+    if (const py::object value = taken(left, "tform_type"); !value.is_none())
+        o.tformType = py::isinstance<py::str>(value) ? value.cast<std::string>() : std::string(py::str(py::dtype::from_args(value)));
+    if (const py::object value = taken(left, "block"); !value.is_none())
+        o.blockPath = pathOf(value);
     real("threshold", o.threshold);
     real("threshold_px", o.thresholdPx);
     real("confidence", o.confidence);

@@ -22,6 +22,14 @@ app::BlockSetup settingsOf(const pybind11::dict& keywords, DataType pointsType, 
 /// @throws TypeError, ValueError
 std::uint32_t wholeNumber(const pybind11::handle& value, const std::string& name);
 
+/// @throws TypeError
+double realNumber(const pybind11::handle& value, const std::string& name);
+
+/// True or False, and nothing that only counts as one of them.
+///
+/// @throws TypeError
+bool truth(const pybind11::handle& value, const std::string& name);
+
 /// How an option is spelled in Python: threshold_px for threshold-px, robust=False for no-robust.
 std::string keywordSpelling(std::string_view name);
 

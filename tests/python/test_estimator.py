@@ -6,6 +6,7 @@ import numpy as np
 import pytest
 
 import esttform
+from conftest import DATA
 
 PARAM = "disThrAffine"
 POINTS = np.random.default_rng(0).uniform(0, 640, (40, 2))
@@ -52,6 +53,14 @@ def test_refusals_say_what_was_found_and_expected(capfd):
         (ValueError, "got speed, expected the name", lambda: open_one.set_param("speed", 2)),
         (esttform.LoadError, "nowhere.so: cannot load", lambda: esttform.estimate(good, good, block="/nowhere.so")),
         (esttform.SettingsError, "nowhere.csv: cannot open", lambda: esttform.read_matches("/nowhere.csv")),
+        (esttform.SettingsError, r"^columns: got 2 columns, expected 4", lambda: esttform.read_matches(DATA / "box_in_scene.csv", columns=[1, 2])),
+        (esttform.SettingsError, "^/no\udcff.csv: cannot open", lambda: esttform.read_matches("/no\udcff.csv")),
+        (TypeError, "value: got a value of type str, expected a number", lambda: open_one.set_param(PARAM, "x")),
+        (ValueError, r"pts1: got a list that is no array of numbers, expected N-by-2", lambda: esttform.estimate([[1, 2], [3]], good)),
+        (TypeError, "variable_size: got a value of type str, expected True or False",
+         lambda: esttform.generate_code(max_points=9, variable_size="no")),
+        (ValueError, "max_points: got 2147483648, more than", lambda: esttform.generate_code(max_points=2**31)),
+        (ValueError, "seed: got -1", lambda: esttform.item_seed(-1, 0)),
         (TypeError, "no setting 'seed'", lambda: esttform.generate_code(max_points=9, seed=1)),
     ]
     for kind, text, call in cases:
@@ -106,7 +115,7 @@ def test_other_threads_go_on_during_a_step():
 
 def test_threads_share_an_estimator():
     def shifted(idx):
-        size = 10 + 40 * (idx % 7)                              # it grows while others step
+        size = (100, 300, 700, 2000, 20000)[idx % 5]            # it grows while others step
         points = np.random.default_rng(idx).uniform(0, 640, (size, 2))
         return points, points + idx
 
@@ -123,3 +132,27 @@ def test_threads_share_an_estimator():
     for thread in threads:
         thread.join()
     assert [results[idx] for idx in range(40)] == expected
+
+
+def test_close_while_others_make_room():
+    faults = []
+
+    def grow(estimator, size):
+        try:
+            estimator.step(np.zeros((size, 2)), np.ones((size, 2)), seed=1)
+        except esttform.ClosedError:
+            pass
+        except Exception as fault:
+            faults.append(fault)
+
+    for _ in range(20):
+        estimator = esttform.Estimator("similarity", robust=False)
+        threads = [threading.Thread(target=grow, args=(estimator, size)) for size in (50000, 300, 70000)]
+        for thread in threads:
+            thread.start()
+        estimator.close()
+        for thread in threads:
+            thread.join()
+        assert estimator.closed and not faults
+    with pytest.raises(esttform.ClosedError), estimator:
+        pass

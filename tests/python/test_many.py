@@ -58,11 +58,53 @@ def test_bad_items(items, tmp_path):
     assert [type(result).__name__ for result in results] == ["Result", "ValueError", "SettingsError", "TypeError", "Result"]
     with pytest.raises(ValueError, match="got shape"):
         esttform.estimate_many(some, "affine", seed=5, jobs=2)
-    for wrong in ({"errors": "ignore"}, {"jobs": 0}, {"confidence": 200}):
+    for wrong in ({"errors": "ignore"}, {"jobs": 0}, {"confidence": 200}, {"seed": -1}, {"layout": "across"}):
         with pytest.raises(ValueError):
+            esttform.estimate_many(items, **wrong)
+    for wrong in ({"dtype": "int64"}, {"max_points": 9}):
+        with pytest.raises(TypeError):
             esttform.estimate_many(items, **wrong)
     with pytest.raises(FileNotFoundError):
         esttform.estimate_many(tmp_path / "*.csv")
+
+
+@pytest.mark.parametrize("jobs", [1, 2])
+def test_items_are_taken_as_estimate_takes_them(jobs):
+    random = np.random.default_rng(4)
+    pts1 = random.integers(0, 200, (30, 2))
+    whole, real = pts1.astype("int16"), pts1.astype("float32")
+    some = [(whole, whole + np.int16(3)), (pts1.tolist(), (pts1 + 3).tolist()), (np.asfortranarray(real), np.asfortranarray(real + 3)),
+            (memoryview(real), real)]
+    settings = {"type": "similarity", "stop_at_inliers": 50}
+    many = esttform.estimate_many(some, **settings, seed=2, jobs=jobs)
+    single = [esttform.estimate(*item, **settings, seed=esttform.item_seed(2, idx)) for idx, item in enumerate(some)]
+    assert bits(many) == bits(single)
+    narrow, = esttform.estimate_many(some[:1], "similarity", tform_type="single", dtype="int16", jobs=jobs)
+    assert narrow.tform.dtype == np.float32
+
+
+class Untellable(Exception):
+    def __init__(self, one, two):
+        super().__init__(one)                               # pickled without two, and so not to be read again
+
+
+class Awkward:
+    """An item whose fault cannot be told to another process, and, if it is so made, neither can the item."""
+
+    def __init__(self, is_local):
+        self.hold = (lambda: None) if is_local else None
+
+    def __iter__(self):
+        raise Untellable("no points here", 2)
+
+
+def test_faults_that_cannot_be_told(items, expected, capfd):
+    some = [items[0], Awkward(True), items[2], *[Awkward(False)] * 20, items[23]]
+    for jobs in (1, 2):
+        results = esttform.estimate_many(some, "affine", seed=5, jobs=jobs, errors="return")
+        assert bits(results[idx] for idx in (0, 2, 23)) == [expected[idx] for idx in (0, 2, 23)]
+        assert {str(results[idx]) for idx in (1, *range(3, 23))} == {"Untellable: no points here"}
+    assert capfd.readouterr() == ("", "")
 
 
 def test_a_lost_process_loses_nothing(items, expected, tmp_path):
@@ -71,8 +113,12 @@ def test_a_lost_process_loses_nothing(items, expected, tmp_path):
         some = [*items[:idx], Deadly(items[idx], mark, os.getpid()), *items[idx + 1:]]
         assert bits(esttform.estimate_many(some, "affine", seed=5, jobs=2)) == expected
         assert mark.exists()
-    with pytest.raises(esttform.LostProcessError, match="3 processes with the same 1 items ended, the last with exit code -9"):
-        esttform.estimate_many([Deadly(items[0], tmp_path / "no folder" / "mark", os.getpid())], "affine", jobs=2)
+    deadly = Deadly(items[7], tmp_path / "no folder" / "mark", os.getpid())
+    results = esttform.estimate_many([*items[:7], deadly, *items[8:]], "affine", seed=5, jobs=2, errors="return")
+    assert str(results.pop(7)) == "3 processes with this item ended, the last with exit code -9"
+    assert bits(results) == expected[:7] + expected[8:]
+    with pytest.raises(esttform.LostProcessError):
+        esttform.estimate_many([deadly], "affine", jobs=2)
 
 
 class Deadly(tuple):

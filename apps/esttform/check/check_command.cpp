@@ -8,6 +8,7 @@
 #include "number_text.h"
 #include "options/option_checks.h"
 #include "output/output_file.h"
+#include "output/progress.h"
 
 #include "blockhost/block_path.h"
 #include "blockhost/signal_buffer.h"
@@ -81,6 +82,7 @@ void addCheckOptions(CLI::App& command, CheckOptions& o)
         ->check(realWithin({0.001, TIMEOUT_MAX, "seconds"}))->type_name("S")->group(CHECKS);
     command.add_option("--format", o.format, "text, or json for one object (default text)")
         ->check(oneOf({"text", "json"}))->type_name("FORMAT")->group("Output");
+    command.add_flag("-q,--quiet", o.isQuiet, "no progress on standard error")->group("Output");
     command.footer("Exit codes: 0 all checks passed, 1 not all; others as for every command.");
 }
 
@@ -98,8 +100,13 @@ ExitCode runCheck(const CheckOptions& o)
     const check::Outcome loaded = run(load, input, o.timeout);
     if (loaded.isNotLoadable)
         throw Failure(loaded.found, ExitCode::NoBlock);
-    for (const Check* const c : chosen)
-        result.results.push_back({c, c == &load ? loaded : run(*c, input, o.timeout)});
+    {
+        Progress progress("checks", static_cast<std::int64_t>(chosen.size()), o.isQuiet);
+        for (const Check* const c : chosen) {
+            progress.show(static_cast<std::int64_t>(result.results.size()));
+            result.results.push_back({c, c == &load ? loaded : run(*c, input, o.timeout)});
+        }
+    }
     print(o.format == "json" ? check::toJson(result) : check::toTable(result));
     return result.failedNum() == 0 ? ExitCode::Done : ExitCode::CheckFailed;
 }

@@ -20,7 +20,7 @@ struct CheckOptions {
     std::optional<std::uint32_t> seed;
     double timeout = 10.0;                ///< seconds that each check may take
     std::string format = "text";
-    bool isList = false;
+    bool isList = false, isQuiet = false;
 };
 
 /// Adds the command's options. `options` must outlive the parsing.

@@ -138,7 +138,7 @@ void addEstimateOptions(CLI::App& command, EstimateOptions& o)
         ->check(oneOf({"text", "json", "csv"}))->type_name("FORMAT")->group(OUTPUT);
     command.add_option("-o,--output", o.outputPath, "file of the results (default: standard output)")
         ->type_name("FILE")->group(OUTPUT);
-    command.add_option("--inliers", o.inliersPath, "CSV file of the input rows with a column inlier (0 or 1)")
+    command.add_option("--inliers", o.inliersPath, "CSV file of the input rows with a last column inlier (0 or 1)")
         ->type_name("FILE")->group(OUTPUT);
     command.add_option("--plot", o.plotPath, "picture of the matches; the name ends in .svg, .png or .pdf")
         ->type_name("FILE")->group(OUTPUT);

@@ -1,5 +1,6 @@
-// InlierWriter: the rows of the input with one more column that says whether the block took the pair as an inlier.
-// Comma-separated whatever the input had; a header is made if there was none.
+// InlierWriter: the rows of the input with a last column that says whether the block took the pair as an inlier.
+// Comma-separated whatever the input had; a header is made if there was none. Where the input is such a file itself,
+// its last column is replaced.
 #pragma once
 
 #include "matches/match_reader.h"
@@ -25,6 +26,7 @@ public:
 
 private:
     OutputFile mOutput;
+    bool mReplaces;       ///< the input's last column is of this name already
     std::string mHeader;  ///< until the first step: a run without one leaves what was there
 };
 

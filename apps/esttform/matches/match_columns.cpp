@@ -59,59 +59,60 @@ std::string shownHeader(const std::vector<std::string>& header)
     return text.substr(1, text.size() - 2);
 }
 
-/// Position that one entry of --columns stands for: a name of the header, or a position counted from 1.
+/// Position that one entry of the choice stands for: a name of the header, or a position counted from 1.
 std::size_t chosenColumn(const std::string& entry, const std::vector<std::string>& firstRow, bool hasHeader,
-                         const std::string& place)
+                         const char* choiceName, const std::string& place)
 {
     if (hasHeader)
         if (const auto idx = columnOf(firstRow, entry, place))
             return *idx;
     const auto position = parseWhole(entry);
     if (!position)
-        throw Failure(fmt::format("{}: --columns: no column {}{}", place, inQuotes(entry),
+        throw Failure(fmt::format("{}: {}: no column {}{}", place, choiceName, inQuotes(entry),
                                   hasHeader ? " in the header (" + shownHeader(firstRow) + ")"
                                             : std::string(", the file has no header: expected positions counted from 1")));
     if (*position < 1 || static_cast<std::size_t>(*position) > firstRow.size())
-        throw Failure(fmt::format("{}: --columns: got position {}, expected 1 to {}", place, *position, firstRow.size()));
+        throw Failure(fmt::format("{}: {}: got position {}, expected 1 to {}", place, choiceName, *position, firstRow.size()));
     return static_cast<std::size_t>(*position - 1);
 }
 
 void applyChoice(MatchColumns& columns, const std::vector<std::string>& firstRow,
-                 const std::vector<std::string>& choice, const std::string& place)
+                 const std::vector<std::string>& choice, const char* choiceName, const std::string& place)
 {
     if (choice.size() != COORD_NUM && choice.size() != COORD_NUM + 1)
-        throw Failure(fmt::format("--columns: got {}, expected 4 or 5 (x1,y1,x2,y2 and frame)",
+        throw Failure(fmt::format("{}: got {}, expected 4 or 5 (x1,y1,x2,y2 and frame)", choiceName,
                                   counted(static_cast<std::int64_t>(choice.size()), "column")));
     for (std::size_t i = 0; i < COORD_NUM; ++i)
-        columns.coordIdx[i] = chosenColumn(choice[i], firstRow, columns.hasHeader, place);
+        columns.coordIdx[i] = chosenColumn(choice[i], firstRow, columns.hasHeader, choiceName, place);
     if (choice.size() > COORD_NUM)
-        columns.frameIdx = chosenColumn(choice[COORD_NUM], firstRow, columns.hasHeader, place);
+        columns.frameIdx = chosenColumn(choice[COORD_NUM], firstRow, columns.hasHeader, choiceName, place);
 }
 
-void applyHeader(MatchColumns& columns, const std::vector<std::string>& header, const std::string& place)
+void applyHeader(MatchColumns& columns, const std::vector<std::string>& header, const char* choiceName,
+                 const std::string& place)
 {
     for (std::size_t i = 0; i < COORD_NUM; ++i) {
         const auto idx = columnOf(header, COORD_NAMES[i], place);
         if (!idx)
-            throw Failure(fmt::format("{}: no column {} in the header ({}); name the columns by --columns", place,
-                                      COORD_NAMES[i], shownHeader(header)));
+            throw Failure(fmt::format("{}: no column {} in the header ({}); name the columns by {}", place,
+                                      COORD_NAMES[i], shownHeader(header), choiceName));
         columns.coordIdx[i] = *idx;
     }
     columns.frameIdx = columnOf(header, "frame", place);
 }
 
-void applyPosition(MatchColumns& columns, const std::string& place)
+void applyPosition(MatchColumns& columns, const char* choiceName, const std::string& place)
 {
     if (columns.columnNum > COORD_NUM)
-        throw Failure(fmt::format("{}: {} columns without a header, expected 4 (x1,y1,x2,y2); choose by --columns, "
-                                  "for example --columns 1,2,3,4", place, columns.columnNum));
+        throw Failure(fmt::format("{}: {} columns without a header, expected 4 (x1,y1,x2,y2); choose by {}, "
+                                  "for example {} 1,2,3,4", place, columns.columnNum, choiceName, choiceName));
     for (std::size_t i = 0; i < COORD_NUM; ++i)
         columns.coordIdx[i] = i;
 }
 
 }  // namespace
 
-MatchColumns findColumns(const std::vector<std::string>& firstRow, const std::vector<std::string>& choice,
+MatchColumns findColumns(const std::vector<std::string>& firstRow, const std::vector<std::string>& choice, const char* choiceName,
                          const std::string& place)
 {
     MatchColumns columns;
@@ -123,11 +124,11 @@ MatchColumns findColumns(const std::vector<std::string>& firstRow, const std::ve
                                   counted(static_cast<std::int64_t>(columns.columnNum), "column"), columns.expected,
                                   columns.columnNum == 1 ? " separated by commas, tabs or semicolons" : ""));
     if (!choice.empty())
-        applyChoice(columns, firstRow, choice, place);
+        applyChoice(columns, firstRow, choice, choiceName, place);
     else if (columns.hasHeader)
-        applyHeader(columns, firstRow, place);
+        applyHeader(columns, firstRow, choiceName, place);
     else
-        applyPosition(columns, place);
+        applyPosition(columns, choiceName, place);
     if (columns.hasHeader)
         columns.expected = fmt::format("{} ({})", columns.columnNum, shownHeader(firstRow));
     else if (columns.columnNum > COORD_NUM)

@@ -26,12 +26,13 @@ extern const std::array<const char*, 4> COORD_NAMES;
 /// The first row is a header if one of its fields is x1, y1, x2, y2 or frame (upper or lower case) or none is a number.
 /// Without a header, four columns are x1, y1, x2, y2; more need a choice.
 ///
-/// @param firstRow  fields of the first row
-/// @param choice    header names or positions counted from 1, in the order x1, y1, x2, y2 and, with a fifth, frame;
-///                  empty: by name or position
-/// @param place     "FILE:LINE" of the first row, for messages
-/// @throws Failure  a column is missing, named twice, or cannot be told
-MatchColumns findColumns(const std::vector<std::string>& firstRow, const std::vector<std::string>& choice,
+/// @param firstRow    fields of the first row
+/// @param choice      header names or positions counted from 1, in the order x1, y1, x2, y2 and, with a fifth, frame;
+///                    empty: by name or position
+/// @param choiceName  what the caller calls the choice, for messages
+/// @param place       "FILE:LINE" of the first row, for messages
+/// @throws Failure    a column is missing, named twice, or cannot be told
+MatchColumns findColumns(const std::vector<std::string>& firstRow, const std::vector<std::string>& choice, const char* choiceName,
                          const std::string& place);
 
 }  // namespace esttform::app

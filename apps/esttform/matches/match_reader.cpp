@@ -21,7 +21,7 @@ MatchReader::MatchReader(const std::string& path, const ReaderOptions& options) 
 {
     if (!readFields())
         throw Failure(fmt::format("{}: no rows, expected rows of x1,y1,x2,y2", name()));
-    mColumns = findColumns(mFields, mOptions.columns, mLines.place());
+    mColumns = findColumns(mFields, mOptions.columns, mOptions.columnsName, mLines.place());
     if (mColumns.hasHeader) {
         mHeader = csvRow(mFields);
         if (!readFields())

@@ -25,6 +25,7 @@ struct MatchFrame {
 struct ReaderOptions {
     DataType pointsType = DataType::Double;
     std::vector<std::string> columns;    ///< see findColumns
+    const char* columnsName = "--columns";
     bool keepRows = false;               ///< fill MatchFrame::rows
     bool isFollowed = false;             ///< wait for more at the end of the file
 };
