@@ -4,6 +4,7 @@
 #include <pybind11/embed.h>
 #include <pybind11/numpy.h>
 
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -18,7 +19,7 @@ using esttform::TransformType;
 constexpr unsigned SEED = 1;
 constexpr std::int32_t PTS_NUM = 1000;
 constexpr double INLIER_SHARE = 0.5;
-constexpr int CALL_NUM = 200;  ///< of a turn
+constexpr std::size_t CALL_NUM = 200;  ///< of a turn
 
 /// N-by-2 in C order, as most programs have their points.
 py::array_t<double> pointsOf(const std::vector<double>& pts)
@@ -26,7 +27,7 @@ py::array_t<double> pointsOf(const std::vector<double>& pts)
     return py::array_t<double>({static_cast<py::ssize_t>(pts.size() / 2), py::ssize_t{2}}, pts.data());
 }
 
-/// Median over the turns of (time of a call from Python - time of a step of the engine), microseconds.
+/// Median over the calls of (time of a call from Python - time of the engine's step beside it), microseconds.
 void benchOverhead(benchmark::State& state, TransformType type, bool isWhole)
 {
     const auto sampleNum = static_cast<std::uint32_t>(state.range(0));
@@ -45,25 +46,29 @@ void benchOverhead(benchmark::State& state, TransformType type, bool isWhole)
     const py::object step = estimator.attr("step"), estimate = module.attr("estimate");
     const py::dict seed(py::arg("seed") = SEED);
 
-    std::vector<double> overheads;
+    const auto stepByPython = [&] {
+        if (isWhole)
+            benchmark::DoNotOptimize(estimate(pts1, pts2, bench::nameOf(type), **options));
+        else
+            benchmark::DoNotOptimize(step(pts1, pts2, **seed));
+    };
+    const auto stepByEngine = [&] {
+        std::srand(SEED);
+        engine.output(PTS_NUM);
+    };
+    std::array<std::vector<double>, 2> overheads;        // by who goes first: the second one finds its branches predicted
     for (auto _ : state) {
-        double pythonSum = 0.0, engineSum = 0.0;
-        for (int i = 0; i < CALL_NUM; ++i) {
-            pythonSum += bench::secondsOf([&] {
-                if (isWhole)
-                    benchmark::DoNotOptimize(estimate(pts1, pts2, bench::nameOf(type), **options));
-                else
-                    benchmark::DoNotOptimize(step(pts1, pts2, **seed));
-            });
-            engineSum += bench::secondsOf([&] {
-                std::srand(SEED);
-                engine.output(PTS_NUM);
-            });
+        double pythonSum = 0.0;
+        for (std::size_t i = 0; i < CALL_NUM; ++i) {
+            double engineTime = i % 2 == 0 ? bench::secondsOf(stepByEngine) : 0.0;
+            const double pythonTime = bench::secondsOf(stepByPython);
+            engineTime += i % 2 == 0 ? 0.0 : bench::secondsOf(stepByEngine);
+            overheads[i % 2].push_back(pythonTime - engineTime);
+            pythonSum += pythonTime;
         }
-        overheads.push_back((pythonSum - engineSum) / CALL_NUM);
         state.SetIterationTime(pythonSum);
     }
-    state.counters["overhead_us"] = 1e6 * bench::medianOf(overheads);
+    state.counters["overhead_us"] = 1e6 * (bench::medianOf(overheads[0]) + bench::medianOf(overheads[1])) / 2.0;
 }
 
 }  // namespace

@@ -63,8 +63,11 @@ BlockLibrary::BlockLibrary(const std::string& path)
     if (path.empty())
         throwCannotLoad("block", "no path was given");
     const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
-    throwIfUnfit(file);
-    mHandle.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
+    mHandle.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD));
+    if (!mHandle) {                                      // else another instance has it in use, and it was found fit
+        throwIfUnfit(file);
+        mHandle.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
+    }
     if (!mHandle)
         throwCannotLoad(file, loaderReason(file));
 

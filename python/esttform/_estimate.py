@@ -69,7 +69,7 @@ def estimate(
     seed : int
         Start of the random numbers, 0 to 4294967295; without it the processor time, so that two runs may differ a little.
     block : path
-        The block's library.
+        The block's library; once used it stays loaded until the process ends.
 
     Returns
     -------

@@ -22,7 +22,8 @@ constexpr std::array<const char*, 8> DTYPE_NAMES{"float64", "float32", "int8", "
 py::array arrayOf(const py::object& points, const char* name)
 {
     if (py::isinstance<py::array>(points)) {
-        if (py::hasattr(points, "mask") && py::module_::import("numpy.ma").attr("is_masked")(points).cast<bool>())
+        static const py::handle plain = py::object(py::module_::import("numpy").attr("ndarray")).release();
+        if (!py::type::handle_of(points).is(plain) && py::hasattr(points, "mask") && py::module_::import("numpy.ma").attr("is_masked")(points).cast<bool>())
             throw py::value_error(fmt::format("{}: got masked points, expected none; leave such pairs out of both", name));
         return py::reinterpret_borrow<py::array>(points);
     }
@@ -80,8 +81,9 @@ Layout layoutOf(Convention convention, const std::string& order)
 PointArray::PointArray(const py::object& points, const char* name, std::optional<Convention> convention)
     : mName(name), mArray(arrayOf(points, name))
 {
-    mType = typeOfDtype(mArray.dtype(), name);
-    if (mArray.dtype().attr("isnative").cast<bool>() == false)
+    const py::dtype dtype = mArray.dtype();
+    mType = typeOfDtype(dtype, name);
+    if (dtype.attr("isnative").cast<bool>() == false)
         mArray = py::array(mArray.attr("astype")(dtypeName(mType)));
     const bool isRows = mArray.ndim() == 2 && mArray.shape(1) == 2;
     const bool isColumns = mArray.ndim() == 2 && mArray.shape(0) == 2;

@@ -2,6 +2,7 @@
 
 #include "errors.h"
 #include "estimate/reopening.h"
+#include "kept_library.h"
 #include "matches/match_reader.h"
 #include "settings.h"
 #include "step_outcome.h"
@@ -116,6 +117,7 @@ void RunningBlock::open(const std::shared_ptr<const Arrays>& arrays)
         app::reopenEstimator(*mEstimator, setup, arrays->ptsNum);
     else
         mEstimator.emplace(setup.params, setup.pointsType, arrays->ptsNum, setup.options);
+    keepLibrary(setup.options.blockPath);
     std::atomic_store(&mArrays, arrays);
     mIsOpen = true;
 }
@@ -258,6 +260,7 @@ py::object estimateOnce(const py::object& pts1, const py::object& pts2, const py
     {
         const BlockTurn turn;
         Estimator estimator(setup.params, setup.pointsType, room, setup.options);
+        keepLibrary(setup.options.blockPath);
         if (!isBound) {
             first.copyTo(estimator.pts1Buffer(), estimator.layout());
             second.copyTo(estimator.pts2Buffer(), estimator.layout());
