@@ -42,4 +42,4 @@ install(FILES ${ESTTFORM_RT_FILES} DESTINATION ${runtime_dir} COMPONENT runtime)
 # ---- Documentation, in folders as here, so that the links between pages hold
 install(FILES README.md CHANGELOG.md NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
-  REGEX "examples/CMakeLists.txt$" EXCLUDE PATTERN "*.py" EXCLUDE)
+  REGEX "examples/CMakeLists.txt$" EXCLUDE)

@@ -93,7 +93,7 @@ if(Python_FOUND)
     "The module esttform: estimates from arrays of matched points, streams of
 them, and generated C sources."
     DEPENDS "esttform (= ${version}), python3 (>= ${python}), python3 (<< ${Python_VERSION_MAJOR}.${next}), python3-numpy"
-    SUGGESTS "python3-distributed, python3-matplotlib"
+    SUGGESTS "python3-distributed, python3-pandas, python3-matplotlib, python3-skimage"
     CONTROL ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
 endif()
 
