@@ -24,3 +24,17 @@ function(esttform_target name)
   target_link_libraries(${name} PRIVATE
     $<BUILD_INTERFACE:esttform_warnings> $<BUILD_INTERFACE:esttform_float_rules>)
 endfunction()
+
+# Compiles the C++ sources of each folder of a target as one, which reads large headers once a folder: half the time from
+# nothing, with names that must differ within a folder. Off in the presets of those who change single files.
+option(ESTTFORM_COMPILE_BY_FOLDER "Compile the sources of a folder as one" ON)
+function(esttform_compile_by_folder name)
+  get_target_property(sources ${name} SOURCES)
+  foreach(source IN LISTS sources)
+    string(REPLACE ${CMAKE_CURRENT_SOURCE_DIR}/ "" folder ${source})
+    get_filename_component(folder ${folder} DIRECTORY)
+    string(MAKE_C_IDENTIFIER "${name}/${folder}" group)
+    set_source_files_properties(${source} TARGET_DIRECTORY ${name} PROPERTIES UNITY_GROUP ${group})
+  endforeach()
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${ESTTFORM_COMPILE_BY_FOLDER} UNITY_BUILD_MODE GROUP)
+endfunction()

@@ -15,7 +15,7 @@ namespace esttform::check {
 
 namespace {
 
-constexpr int RANDOM_NUM = 4000;
+constexpr int RANDOM_SET_NUM = 4000;
 
 std::string paramText(int idx, double value)
 {
@@ -155,7 +155,7 @@ std::string checkRandomParameters(const CheckInput& input)
 {
     Random random(input.seed);
     const std::vector<Params> basics = basicSettings();
-    for (int i = 0; i < RANDOM_NUM; ++i) {
+    for (int i = 0; i < RANDOM_SET_NUM; ++i) {
         Params params = basics[static_cast<std::size_t>(random.below(static_cast<int>(basics.size())))];
         std::string what;
         for (int k = random.below(4); k >= 0; --k) {
@@ -166,7 +166,7 @@ std::string checkRandomParameters(const CheckInput& input)
         }
         expectAnswer(input, params, fmt::format("{}, number {}", what, i));
     }
-    return fmt::format("{} sets of values: admitted or refused as documented", RANDOM_NUM);
+    return fmt::format("{} sets of values: admitted or refused as documented", RANDOM_SET_NUM);
 }
 
 std::string checkTunable(const CheckInput& input)

@@ -20,7 +20,7 @@ using blockhost::Attribute;
 using blockhost::Direction;
 using blockhost::Offer;
 
-constexpr int RANDOM_NUM = 150;   // orders of each scenario
+constexpr int RANDOM_ORDER_NUM = 150;   // orders of each scenario
 
 /// Signals around a block, fitting or not.
 struct Scenario {
@@ -152,7 +152,7 @@ std::string checkRandomPropagation(const CheckInput& input)
     Random random(input.seed);
     int num = 0;
     for (const Scenario& scenario : SCENARIOS)
-        for (int i = 0; i < RANDOM_NUM; ++i, ++num) {
+        for (int i = 0; i < RANDOM_ORDER_NUM; ++i, ++num) {
             std::vector<Offer> order;
             for (const Direction direction : {Direction::In, Direction::Out})
                 for (const int port : {0, 1})

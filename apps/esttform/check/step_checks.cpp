@@ -13,7 +13,7 @@ namespace esttform::check {
 namespace {
 
 constexpr int TRUTH_NUM = 150;
-constexpr int RANDOM_NUM = 400;
+constexpr int RANDOM_STEP_NUM = 400;
 
 /// Element of TForm that stands at a place of the 3-by-3 matrix for columns.
 double elementOf(const StepRecord& record, const Case& c, int row, int col)
@@ -76,7 +76,7 @@ std::string checkSteps(const CheckInput& input)
 {
     Random random(input.seed);
     int zeroNum = 0;
-    for (int i = 0; i < RANDOM_NUM; ++i) {
+    for (int i = 0; i < RANDOM_STEP_NUM; ++i) {
         const Case c = randomCase(random);
         const std::string what = fmt::format("{}, number {}", c.text(), i);
         input.note(what);
@@ -94,7 +94,7 @@ std::string checkSteps(const CheckInput& input)
         life.end();
         again.end();
     }
-    return fmt::format("{} steps, {} without a result: finite or zero, and repeated to the bit", 4 * RANDOM_NUM, zeroNum);
+    return fmt::format("{} steps, {} without a result: finite or zero, and repeated to the bit", 4 * RANDOM_STEP_NUM, zeroNum);
 }
 
 }  // namespace esttform::check

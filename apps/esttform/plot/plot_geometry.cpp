@@ -44,17 +44,17 @@ Interval bulkOf(std::vector<double>& values)
     return bulk;
 }
 
-PlotBox united(const PlotBox& a, const PlotBox& b) noexcept
-{
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
-}
-
 PlotBox widened(const PlotBox& box, double dx, double dy) noexcept
 {
     return {box.left - dx, box.top - dy, box.right + dx, box.bottom + dy};
 }
 
 }  // namespace
+
+PlotBox united(const PlotBox& a, const PlotBox& b) noexcept
+{
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
 
 PlotBox boxOfSet(const std::vector<Pair>& pairs, int setIdx)
 {

@@ -29,6 +29,9 @@ struct PlotBox {
 /// @param setIdx  0: first points, 1: second
 PlotBox boxOfSet(const std::vector<Pair>& pairs, int setIdx);
 
+/// The smallest box around two.
+PlotBox united(const PlotBox& a, const PlotBox& b) noexcept;
+
 /// The box's edges as a closed polyline.
 Polyline outlineOf(const PlotBox& box);
 

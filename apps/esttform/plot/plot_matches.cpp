@@ -25,11 +25,6 @@ constexpr std::int64_t LINE_MAX_NUM = 800, LONG_LINE_MAX_NUM = 100;
 constexpr double OUTLINE_WIDTH = 1.8, HALO_WIDTH = 3.4, FIRST_OUTLINE_WIDTH = 1.2;
 constexpr double FIRST_OUTLINE_DASHES[] = {6.0, 3.0};
 
-PlotBox united(const PlotBox& a, const PlotBox& b) noexcept
-{
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
-}
-
 /// The part of the plane that a set of points and its image cover.
 PlotBox boxOfSetAndImage(const std::vector<Pair>& pairs, int setIdx, const Picture* image)
 {

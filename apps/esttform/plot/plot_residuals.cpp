@@ -15,7 +15,7 @@ constexpr double WANTED_LENGTH = 24.0;
 constexpr double LONG_SHARE = 0.9;
 /// Residuals that need more are rounding errors; they are drawn as dots.
 constexpr double MAGNIFICATION_MAX = 1e4;
-constexpr double LINE_WIDTH = 0.7, FOOT_RADIUS = 1.3;
+constexpr double RESIDUAL_WIDTH = 0.7, FOOT_RADIUS = 1.3;
 
 /// The largest of 1, 2, 5, 10, 20, ... that is not above a value.
 double roundDown(double value) noexcept
@@ -77,7 +77,7 @@ void ResidualPanel::draw(PlotCanvas& canvas) const
                 cairo_line_to(cr, std::clamp(p[0] + reach * r.dx, -FAR, FAR), std::clamp(p[1] + reach * r.dy, -FAR, FAR));
             }
             cairo_set_line_cap(cr, isFoot ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
-            cairo_set_line_width(cr, isFoot ? 2.0 * FOOT_RADIUS : LINE_WIDTH);
+            cairo_set_line_width(cr, isFoot ? 2.0 * FOOT_RADIUS : RESIDUAL_WIDTH);
             cairo_stroke(cr);
         }
         cairo_set_line_cap(cr, CAIRO_LINE_CAP_BUTT);
