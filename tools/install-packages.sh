@@ -8,7 +8,7 @@ packages=(g++ make cmake ninja-build pkg-config
           python3-dev python3-numpy pybind11-dev python3-pybind11)
 case "${1:-}" in
     build) ;;
-    test) packages+=(binutils libgtest-dev libeigen3-dev libopencv-dev chromium clang valgrind
+    test) packages+=(binutils libgtest-dev libbenchmark-dev libeigen3-dev libopencv-dev chromium clang valgrind
                      gcc-arm-linux-gnueabihf libc6-dev-armhf-cross gcc-powerpc64-linux-gnu libc6-dev-ppc64-cross qemu-user
                      python3-pytest python3-distributed python3-pandas python3-matplotlib python3-skimage python3-opencv mypy
                      python3-pip python3-venv python3-setuptools python3-wheel python3-skbuild
