@@ -76,8 +76,7 @@ ExitCode run(int argc, char** argv)
     app.require_subcommand(1);
     app.footer("Exit codes: 0 done, 1 no transformation found, a check failed or results differ,\n"
                "2 wrong usage or input, 3 block could not be loaded, 4 fault of the program,\n"
-               "130 interrupted.\n"
-               "'esttform COMMAND --help' tells more.");
+               "130 interrupted.");                     // of each command, too, that has none of its own
     addConfigOption(app);
     addPageOptions(app);
 
@@ -106,6 +105,7 @@ ExitCode run(int argc, char** argv)
     StabiliseOptions stabiliseOptions;
     CLI::App& stabilise = *app.add_subcommand("stabilise", "the path of a camera from a sequence of matches, smoothed");
     addStabiliseOptions(stabilise, stabiliseOptions);
+    app.footer(app.get_footer() + "\n'esttform COMMAND --help' tells more.");
 
     refuseUnknownCommand(app, argc, argv);
     const std::string help = argc > 1 && argv[1][0] != '-'

@@ -46,8 +46,13 @@ std::vector<std::string> filesOfPattern(const std::string& pattern)
 {
     glob_t found{};
     const int fault = ::glob(pattern.c_str(), 0, nullptr, &found);
-    const std::vector<std::string> files(found.gl_pathv, found.gl_pathv + (fault == 0 ? found.gl_pathc : 0));
+    std::vector<std::string> files(found.gl_pathv, found.gl_pathv + (fault == 0 ? found.gl_pathc : 0));
     ::globfree(&found);
+    // A pipe that happens to have the name would be waited for; one that is named itself is meant.
+    files.erase(std::remove_if(files.begin(), files.end(), [](const std::string& path) {
+        std::error_code ignored;
+        return fs::is_other(path, ignored);
+    }), files.end());
     if (files.empty())
         throw Failure(fmt::format("{}: no file has such a name", pattern));
     return files;
