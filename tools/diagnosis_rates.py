@@ -27,6 +27,7 @@ SETTINGS = {
     "--method median": (None, ["--method", "median"]),
     "--no-robust": (None, ["--no-robust"]),
     "--type affine for projective scenes": ("affine", []),
+    "--type similarity for projective scenes": ("similarity", []),
 }
 
 

@@ -3,6 +3,7 @@
 #include "diagnosis/diagnosis.h"
 #include "program.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -179,6 +180,25 @@ TEST(DiagnoseOptionTest, WarnsOfUnrelatedPointsAndChangesNoResult)
     EXPECT_EQ(plain.err, "");
     EXPECT_NE(runProgram({"estimate", path, "--seed", "1"}).err.find("not to be trusted: "), std::string::npos);
     EXPECT_EQ(runProgram({"estimate", path, "--seed", "1", "--no-diagnose"}).err, "");
+}
+
+TEST(DiagnoseOptionTest, KnowsASimilarityThatHoldsAlongALineOnly)
+{
+    const TempFolder folder;
+    const auto codes = [&](const std::vector<double>& map, double height) {
+        std::string text = "x1,y1,x2,y2\n";
+        for (Pair pair : mappedPairs(map, 400, 600.0)) {
+            if (pair[1] > height)
+                pair[2] = 600.0 - pair[2] / 3.0;         // a wrong match
+            text += fmt::format("{},{},{},{}\n", pair[0], pair[1], pair[2], pair[3]);
+        }
+        const std::string path = folder.write("matches.csv", text);
+        const std::string line = runProgram({"estimate", path, "--type", "similarity", "--seed", "1", "--format", "csv", "--diagnose"}).out;
+        return line.substr(line.rfind(',') + 1);
+    };
+    EXPECT_EQ(codes({-1, 0, 600, 0, 1, 0, 0, 0, 1}, 600.0), "strip\n") << "mirrored";
+    EXPECT_EQ(codes({1, 0.5, 0, 0.1, 1.5, 0, 0, 0, 1}, 600.0), "strip\n") << "sheared";
+    EXPECT_EQ(codes({0.9, 0.2, 7, -0.2, 0.9, 3, 0, 0, 1}, 70.0), "\n") << "right matches within a strip, as pictures overlap";
 }
 
 }  // namespace

@@ -23,6 +23,9 @@ constexpr double FAR_THRESHOLDS = 2.0;
 constexpr double FAR_SHARE_MAX = 0.1;
 /// Narrow extent of the inliers beside that of all points below which they lie on one place or line.
 constexpr double SPREAD_MIN = 0.05;
+/// Inliers of a similarity that are fewer than this share of the pairs, and narrower than this part of all points, are a strip.
+constexpr double STRIP_SHARE = 0.1;
+constexpr double STRIP_WIDTH = 0.1;
 /// Pairs of a fit to all of them may lie this part of the points' extent away, and a share of them farther.
 constexpr double MISFIT_DISTANCE = 0.06;
 constexpr double MISFIT_SHARE_MAX = 0.1;
@@ -143,13 +146,19 @@ void measureSampling(const Case& c, Diagnosis& diagnosis)
 
 void measureSpread(const Case& c, Diagnosis& diagnosis)
 {
+    const bool isSimilarity = c.setup.transformType == static_cast<int>(TransformType::Similarity);
+    bool isStrip = isSimilarity && static_cast<double>(c.agreeing.size()) < STRIP_SHARE * static_cast<double>(c.pairs.size());
     for (const std::size_t setIdx : {std::size_t(0), std::size_t(1)}) {
         // A similarity is determined by points on a line; the others need points off it.
-        const auto reach = c.setup.transformType == static_cast<int>(TransformType::Similarity) ? &Extent::whole : &Extent::narrow;
-        const double all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))).*reach;
-        const double ofInliers = extentOf(pointsOf(c.agreeing, setIdx)).*reach;
-        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = all > 0.0 ? std::min(1.0, ofInliers / all) : 0.0;
+        const auto reach = isSimilarity ? &Extent::whole : &Extent::narrow;
+        const Extent all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))), ofInliers = extentOf(pointsOf(c.agreeing, setIdx));
+        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = all.*reach > 0.0 ? std::min(1.0, ofInliers.*reach / (all.*reach)) : 0.0;
+        isStrip = isStrip && ofInliers.narrow < STRIP_WIDTH * all.narrow;
     }
+    if (isStrip)
+        warn(diagnosis, "strip", "inliers along a line",
+             fmt::format("{} of {} pairs are inliers, all along one line: there every affine or mirrored map looks like a similarity; "
+                         "try --type affine or projective", c.agreeing.size(), c.pairs.size()));
     if (std::min(*diagnosis.spread1, *diagnosis.spread2) < SPREAD_MIN)
         warn(diagnosis, "onePlace", "inliers on one place or line",
              fmt::format("the inliers extend over {:.2g} of the points' width in the first picture and {:.2g} in the second: away from "
