@@ -134,6 +134,7 @@ const RefusalCase REFUSALS[] = {
      "--tform-type: double with single points, expected single; use --points-type double or an integer type"},
     {"type", {"--type", "rigid"}, "--type: got \"rigid\", expected similarity, affine, projective"},
     {"confidence", {"--confidence", "140"}, "--confidence: got \"140\", expected a number from 0 to 100 (percent)"},
+    {"confidenceAsFraction", {"--confidence", "0.99"}, "--confidence: got 0.99, which is less than one percent, expected percent: 99 for this fraction"},
     {"confidenceNan", {"--confidence", "nan"}, "--confidence: got \"nan\", expected a number from 0 to 100 (percent)"},
     {"threshold", {"--threshold=-1"}, "--threshold: got \"-1\", expected a number of at least 0 (squared point units)"},
     {"samples", {"--samples", "1e3"}, "--samples: got \"1e3\", expected a whole number from 1 to 2147483647"},

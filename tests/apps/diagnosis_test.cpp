@@ -98,6 +98,20 @@ const DiagnosisCase CASES[] = {
          return made;
      },
      "onePlace"},
+    {"onePairOffTheLine",
+     [] {
+         MadeStep made = sound({1, 0, 0, 0, 1, 0, 0, 0, 1});
+         for (std::size_t i = 0; i < 100; ++i) {
+             made.mask[i] = i <= 40;
+             if (i < 40)
+                 made.pairs[i][1] = made.pairs[i][3] = 100.0 + 0.3 * made.pairs[i][0];
+             else if (i > 40)
+                 made.pairs[i][3] += 200.0;
+         }
+         made.pairs[40] = {100, 450, 100, 450};
+         return made;
+     },
+     "onePlace"},
     {"twoWildMatches",
      [] {
          MadeStep made = sound(PLAIN);

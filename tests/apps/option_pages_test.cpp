@@ -74,6 +74,9 @@ TEST(ConfigFileTest, GivesWhatTheCommandLineDoesNot)
     std::vector<std::string> both = given;
     both.insert(both.end(), {"--config", folder.write("bom.toml", "\xEF\xBB\xBF[estimate]\nthreshold-px = 2\nno-refine = true\n")});
     EXPECT_EQ(runProgram(both).out, runProgram(given).out) << "so does another option for the same thing";
+    const ProgramRun endless = runProgram({"estimate", pairs, "--config", "/dev/zero"});
+    EXPECT_EQ(endless.code, 2);
+    EXPECT_NE(endless.err.find("/dev/zero:1: "), std::string::npos) << endless.err;
 }
 
 struct ConfigCase {

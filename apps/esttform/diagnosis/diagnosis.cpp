@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace esttform::app {
@@ -148,21 +149,26 @@ void measureSpread(const Case& c, Diagnosis& diagnosis)
 {
     const bool isSimilarity = c.setup.transformType == static_cast<int>(TransformType::Similarity);
     bool isStrip = isSimilarity && static_cast<double>(c.agreeing.size()) < STRIP_SHARE * static_cast<double>(c.pairs.size());
+    std::array<double, 2> innerSpreads{};
     for (const std::size_t setIdx : {std::size_t(0), std::size_t(1)}) {
         // A similarity is determined by points on a line; the others need points off it.
         const auto reach = isSimilarity ? &Extent::whole : &Extent::narrow;
-        const Extent all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))), ofInliers = extentOf(pointsOf(c.agreeing, setIdx));
-        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = all.*reach > 0.0 ? std::min(1.0, ofInliers.*reach / (all.*reach)) : 0.0;
-        isStrip = isStrip && ofInliers.narrow < STRIP_WIDTH * all.narrow;
+        const Points inliers = pointsOf(c.agreeing, setIdx);
+        const Extent all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))), whole = extentOf(inliers), inner = innerExtentOf(inliers);
+        const auto shareOf = [&](const Extent& part) { return all.*reach > 0.0 ? std::min(1.0, part.*reach / (all.*reach)) : 0.0; };
+        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = shareOf(whole);
+        innerSpreads[setIdx] = shareOf(inner);
+        isStrip = isStrip && inner.narrow < STRIP_WIDTH * all.narrow;
     }
     if (isStrip)
         warn(diagnosis, "strip", "inliers along a line",
              fmt::format("{} of {} pairs are inliers, all along one line: there every affine or mirrored map looks like a similarity; "
                          "try --type affine or projective", c.agreeing.size(), c.pairs.size()));
-    if (std::min(*diagnosis.spread1, *diagnosis.spread2) < SPREAD_MIN)
+    if (std::min(innerSpreads[0], innerSpreads[1]) < SPREAD_MIN)
         warn(diagnosis, "onePlace", "inliers on one place or line",
-             fmt::format("the inliers extend over {:.2g} of the points' width in the first picture and {:.2g} in the second: away from "
-                         "them the transformation is a guess", *diagnosis.spread1, *diagnosis.spread2));
+             fmt::format("but for {}, the inliers extend over {:.2g} of the points' width in the first picture and {:.2g} in the "
+                         "second: away from them the transformation is a guess",
+                         counted(static_cast<std::int64_t>(outermostNumOf(c.agreeing.size())), "pair"), innerSpreads[0], innerSpreads[1]));
 }
 
 void examineShape(const Case& c, Diagnosis& diagnosis)

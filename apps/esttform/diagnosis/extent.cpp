@@ -12,22 +12,62 @@ namespace {
 /// Share of the points at either end of an axis that may be wild.
 constexpr double TAIL_SHARE = 0.05;
 
-}  // namespace
+/// Second central moments.
+struct Spread {
+    double xx = 0.0, xy = 0.0, yy = 0.0;
+};
 
-Extent extentOf(Points points)
+Spread spreadOf(Points points)
 {
     const auto num = static_cast<double>(points.size());
     for (auto it = points.rbegin(); it != points.rend(); ++it)   // from the first one, so that points that coincide give 0
         *it = {(*it)[0] - points.front()[0], (*it)[1] - points.front()[1]};
     const auto [mx, my] = middleOf(points);
-    double xx = 0.0, xy = 0.0, yy = 0.0;
+    Spread s;
     for (const auto& [x, y] : points) {
-        xx += (x - mx) * (x - mx) / num;
-        xy += (x - mx) * (y - my) / num;
-        yy += (y - my) * (y - my) / num;
+        s.xx += (x - mx) * (x - mx) / num;
+        s.xy += (x - mx) * (y - my) / num;
+        s.yy += (y - my) * (y - my) / num;
     }
+    return s;
+}
+
+/// The points without the outermost ones by a measure of how far they reach from the middle.
+template <class ReachFunction>
+Points withoutOutermost(Points points, ReachFunction reach)
+{
+    const auto [mx, my] = middleOf(points);
+    const auto kept = points.end() - static_cast<std::ptrdiff_t>(outermostNumOf(points.size()));
+    std::nth_element(points.begin(), kept, points.end(), [&, mx = mx, my = my](const auto& a, const auto& b) {
+        return reach(a[0] - mx, a[1] - my) < reach(b[0] - mx, b[1] - my);
+    });
+    points.erase(kept, points.end());
+    return points;
+}
+
+}  // namespace
+
+Extent extentOf(const Points& points)
+{
+    const auto [xx, xy, yy] = spreadOf(points);
     const double half = (xx + yy) / 2.0;
     return {std::sqrt(std::max(0.0, half - std::hypot((xx - yy) / 2.0, xy))), std::sqrt(xx + yy)};
+}
+
+std::size_t outermostNumOf(std::size_t pointNum) noexcept
+{
+    return 1 + pointNum / 50;
+}
+
+Extent innerExtentOf(const Points& points)
+{
+    if (points.size() <= outermostNumOf(points.size()))
+        return {};
+    const auto [xx, xy, yy] = spreadOf(points);
+    const double direction = std::atan2(2.0 * xy, xx - yy) / 2.0, cosine = std::cos(direction), sine = std::sin(direction);
+    const Points nearLine = withoutOutermost(points, [&](double dx, double dy) { return std::fabs(cosine * dy - sine * dx); });
+    const Points nearMiddle = withoutOutermost(points, [](double dx, double dy) { return std::hypot(dx, dy); });
+    return {extentOf(nearLine).narrow, extentOf(nearMiddle).whole};
 }
 
 Points withoutWildOnes(Points points)

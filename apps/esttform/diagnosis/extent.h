@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -15,7 +16,14 @@ struct Extent {
     double whole = 0.0;                  ///< from their middle
 };
 
-Extent extentOf(Points points);
+Extent extentOf(const Points& points);
+
+/// How many points innerExtentOf leaves out of so many: one, and one more in fifty.
+std::size_t outermostNumOf(std::size_t pointNum) noexcept;
+
+/// The extents without the few points that reach farthest, from the line along the longest direction and from the middle: what
+/// a transformation rests on when these are wrong matches, which it was drawn through.
+Extent innerExtentOf(const Points& points);
 
 /// The points with wild ones moved in, so that a few far away do not count as extent: along each axis the range without a
 /// twentieth at either end is taken, and what lies beyond it by more than its length is moved to there. Points of a picture

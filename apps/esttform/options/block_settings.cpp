@@ -39,6 +39,14 @@ void refuseOutside(std::optional<double> value, const RealRange& range, const st
         throw Failure(fmt::format("{}: got {}, expected {}", name, *value, range.text()));
 }
 
+/// Refuses less than one percent, which nobody asks for but who means a fraction; a raw dialog value still may be.
+void refuseFraction(std::optional<double> percent, const std::string& name)
+{
+    if (percent && *percent > 0.0 && *percent < 1.0)
+        throw Failure(fmt::format("{}: got {}, which is less than one percent, expected percent: {:.6g} for this fraction", name, *percent,
+                                  100.0 * *percent));
+}
+
 void refuseNone(std::optional<std::uint32_t> sampleNum, const std::string& name)
 {
     if (sampleNum && (*sampleNum < 1 || *sampleNum > SAMPLE_NUM_MAX))
@@ -57,6 +65,8 @@ void refuseBadValues(const BlockOptions& o, OptionSpelling spelling)
     refuseOutside(o.thresholdPx, POINT_UNITS, spelling("threshold-px"));
     refuseOutside(o.confidence, PERCENT, spelling("confidence"));
     refuseOutside(o.stopAtInliers, PERCENT, spelling("stop-at-inliers"));
+    refuseFraction(o.confidence, spelling("confidence"));
+    refuseFraction(o.stopAtInliers, spelling("stop-at-inliers"));
     refuseNone(o.sampleNum, spelling("samples"));
     refuseNone(o.maxSampleNum, spelling("max-samples"));
 }

@@ -1,6 +1,7 @@
 #include "options/config_file.h"
 
 #include "failure.h"
+#include "matches/line_reader.h"
 #include "number_text.h"
 #include "options/option_pages.h"
 
@@ -161,17 +162,16 @@ bool isOverruled(const CLI::App& command, const std::string& key)
 
 }  // namespace
 
-std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const
+std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream&) const
 {
-    const std::string name = validText(mApp.get_config_ptr()->as<std::string>());
+    LineReader reader(mApp.get_config_ptr()->as<std::string>());   // with its limits, which the stream has not
     std::vector<CLI::ConfigItem> values;
     std::set<std::pair<std::string, std::string>> seen;
     CLI::App* command = nullptr;
-    std::string line, key;
-    for (int lineNo = 1; std::getline(input, line); ++lineNo) {
+    std::string_view line;
+    std::string key;
+    while (reader.next(line)) {
         key.clear();
-        if (lineNo == 1 && line.rfind("\xEF\xBB\xBF", 0) == 0)    // of editors that mark UTF-8
-            line.erase(0, 3);
         try {
             LineScanner scanner(line);
             if (scanner.isAtEnd())
@@ -200,7 +200,7 @@ std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const
             if (!isOverruled(*command, key))
                 values.push_back(item);
         } catch (const Failure& e) {
-            throw Failure(fmt::format("{}:{}: {}{}{}", name, lineNo, key, key.empty() ? "" : ": ", e.what()));
+            throw Failure(fmt::format("{}: {}{}{}", reader.place(), key, key.empty() ? "" : ": ", e.what()));
         }
     }
     return values;
