@@ -166,6 +166,12 @@ TEST(DiagnosisOfAllPairsTest, WarnsWhenManyPairsAreFarFromTheFit)
     EXPECT_EQ(codesOf(made, false), "misfit");
     made.pairs.assign(100, Pair{7, 7, 8, 8});
     EXPECT_EQ(codesOf(made, false), "onePlace");
+    MadeStep line = sound(PLAIN);
+    for (Pair& pair : line.pairs)
+        pair = {pair[0], 3.0 * pair[0] + 1.0, pair[0], 3.0 * pair[0]};
+    line.tform = {1, 0, 0, 0, 1, -1, 0, 0, 1};
+    for (const bool isRobust : {false, true})
+        EXPECT_EQ(codesOf(line, isRobust), "onePlace");
 }
 
 TEST(ChanceTest, CountsResultsOfChance)

@@ -5,6 +5,7 @@
 
 #include "failure.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -108,6 +109,7 @@ TEST_P(RegisterPairTest, FindsTheMap)
 const PairCase PAIRS[] = {{"similarity", SIMILARITY, "similarity", 0.4},
                           {"affine", AFFINE, "affine", 0.5},
                           {"projective", AFFINE, "projective", 0.9},
+                          {"halfTurn", {-1, 0, WIDTH - 1.0, 0, -1, HEIGHT - 1.0}, "similarity", 0.15},
                           {"identical", IDENTITY, "projective", 1e-6}};
 INSTANTIATE_TEST_SUITE_P(, RegisterPairTest, ::testing::ValuesIn(PAIRS),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
@@ -121,6 +123,21 @@ TEST(RegisterTest, PointsOfReducedPicturesCountInTheFullOne)
     const ProgramRun run = runProgram({"register", first, second, "--seed", "1", "--format", "json", "--threshold-px", "6"});
     ASSERT_EQ(run.code, 0) << run.err;
     EXPECT_LT(cornerError(nlohmann::json::parse(run.out)["tform"], {7, 0, 30, 0, 7, 50}), 5.0);   // 7 are one pixel of the first
+}
+
+TEST(RegisterTest, SixteenBitsAreTakenByTheirRange)
+{
+    const TempFolder folder;
+    const std::string first = folder.path("first.png");
+    writeScene(first, WIDTH, HEIGHT, IDENTITY);
+    std::string dark = fmt::format("P5\n{} {}\n65535\n", WIDTH, HEIGHT);      // of ten bits, as cameras write it
+    for (const std::uint32_t pixel : pictureOfPng(readFile(first)).pixels) {
+        const std::uint32_t grey = (pixel & 0xff) + (pixel >> 8 & 0xff) + (pixel >> 16 & 0xff);
+        dark += {static_cast<char>(grey >> 8), static_cast<char>(grey & 0xff)};
+    }
+    const ProgramRun run = runProgram({"register", first, folder.write("dark.pgm", dark), "--seed", "1", "--format", "json"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_LT(cornerError(nlohmann::json::parse(run.out)["tform"], IDENTITY), 0.5);
 }
 
 TEST(RegisterTest, PicturesThatCannotBeRegistered)

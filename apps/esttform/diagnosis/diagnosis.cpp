@@ -24,6 +24,8 @@ constexpr double FAR_THRESHOLDS = 2.0;
 constexpr double FAR_SHARE_MAX = 0.1;
 /// Narrow extent of the inliers beside that of all points below which they lie on one place or line.
 constexpr double SPREAD_MIN = 0.05;
+/// Points that extend across their longest direction over less than this part of what they do along it lie on a line.
+constexpr double LINE_WIDTH = 0.01;
 /// Inliers of a similarity that are fewer than this share of the pairs, and narrower than this part of all points, are a strip.
 constexpr double STRIP_SHARE = 0.1;
 constexpr double STRIP_WIDTH = 0.1;
@@ -80,6 +82,22 @@ void warn(Diagnosis& diagnosis, const char* code, const char* title, std::string
     diagnosis.warnings.push_back({Severity::Warning, title, std::move(text), code});
 }
 
+bool isSimilarity(const Case& c)
+{
+    return c.setup.transformType == static_cast<int>(TransformType::Similarity);
+}
+
+bool isLine(const Extent& extent)
+{
+    return extent.narrow < LINE_WIDTH * extent.whole;
+}
+
+void warnOfLine(Diagnosis& diagnosis)
+{
+    warn(diagnosis, "onePlace", "points on a line", "the first points lie on a line, which determines a similarity and no other "
+                                                    "transformation; use --type similarity, or points away from the line");
+}
+
 /// Pairs that TForm misses by more than a distance in pixels.
 std::int64_t farNumOf(const std::vector<Residual>& residuals, double limit)
 {
@@ -100,13 +118,14 @@ void examineDistances(const Case& c, const std::vector<Residual>& residuals, Dia
 /// Of a fit to all pairs, which takes every pair for a right match.
 void examineFitToAll(const Case& c, const std::vector<Residual>& residuals, Diagnosis& diagnosis)
 {
-    const double extent1 = extentOf(withoutWildOnes(pointsOf(c.pairs, 0))).whole;
-    const double extent2 = extentOf(withoutWildOnes(pointsOf(c.pairs, 1))).whole;
-    if (!(std::min(extent1, extent2) > 0.0)) {
+    const Extent extent1 = extentOf(withoutWildOnes(pointsOf(c.pairs, 0))), extent2 = extentOf(withoutWildOnes(pointsOf(c.pairs, 1)));
+    if (!(std::min(extent1.whole, extent2.whole) > 0.0)) {
         warn(diagnosis, "onePlace", "points at one place", "the points of a picture coincide: they determine no more than a shift");
         return;
     }
-    const double limit = MISFIT_DISTANCE * extent2;
+    if (!isSimilarity(c) && isLine(extent1))
+        warnOfLine(diagnosis);
+    const double limit = MISFIT_DISTANCE * extent2.whole;
     const std::int64_t farNum = farNumOf(residuals, limit);
     if (static_cast<double>(farNum) > MISFIT_SHARE_MAX * static_cast<double>(residuals.size()))
         warn(diagnosis, "misfit", "pairs far from the fit",
@@ -124,11 +143,11 @@ void measureChance(const Case& c, Diagnosis& diagnosis)
     diagnosis.chanceNum = chance * static_cast<double>(pairNum);
     diagnosis.log10ChanceResults = log10ChanceResults(pairNum, placeNum, c.setup.sampleSize(), chance);
     if (*diagnosis.log10ChanceResults > LOG10_CHANCE_MAX)
-        warn(diagnosis, "chance", "no more inliers than chance gives",
-             fmt::format("{} at {}: wrong matches alone would give this transformation about {:.3g}; get better matches, or try "
-                         "a simpler --type, a smaller threshold or more --max-samples",
+        warn(diagnosis, "chance", "as few inliers as chance gives",
+             fmt::format("{} at {}: among all samples of pairs that are all wrong, about {:.2g} would have as many; get better matches, "
+                         "or try a simpler --type, a smaller threshold or more --max-samples",
                          counted(static_cast<std::int64_t>(c.agreeing.size()), "inlier"), counted(placeNum, "place"),
-                         *diagnosis.chanceNum));
+                         std::pow(10.0, std::min(300.0, *diagnosis.log10ChanceResults))));
 }
 
 /// log(1 - P) / log(1 - s^k): samplings for confidence P to have drawn one sample of inliers only.
@@ -147,12 +166,11 @@ void measureSampling(const Case& c, Diagnosis& diagnosis)
 
 void measureSpread(const Case& c, Diagnosis& diagnosis)
 {
-    const bool isSimilarity = c.setup.transformType == static_cast<int>(TransformType::Similarity);
-    bool isStrip = isSimilarity && static_cast<double>(c.agreeing.size()) < STRIP_SHARE * static_cast<double>(c.pairs.size());
+    bool isStrip = isSimilarity(c) && static_cast<double>(c.agreeing.size()) < STRIP_SHARE * static_cast<double>(c.pairs.size());
     std::array<double, 2> innerSpreads{};
     for (const std::size_t setIdx : {std::size_t(0), std::size_t(1)}) {
         // A similarity is determined by points on a line; the others need points off it.
-        const auto reach = isSimilarity ? &Extent::whole : &Extent::narrow;
+        const auto reach = isSimilarity(c) ? &Extent::whole : &Extent::narrow;
         const Points inliers = pointsOf(c.agreeing, setIdx);
         const Extent all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))), whole = extentOf(inliers), inner = innerExtentOf(inliers);
         const auto shareOf = [&](const Extent& part) { return all.*reach > 0.0 ? std::min(1.0, part.*reach / (all.*reach)) : 0.0; };
@@ -169,6 +187,8 @@ void measureSpread(const Case& c, Diagnosis& diagnosis)
              fmt::format("but for {}, the inliers extend over {:.2g} of the points' width in the first picture and {:.2g} in the "
                          "second: away from them the transformation is a guess",
                          counted(static_cast<std::int64_t>(outermostNumOf(c.agreeing.size())), "pair"), innerSpreads[0], innerSpreads[1]));
+    else if (!isSimilarity(c) && isLine(innerExtentOf(pointsOf(c.agreeing, 0))))
+        warnOfLine(diagnosis);
 }
 
 void examineShape(const Case& c, Diagnosis& diagnosis)

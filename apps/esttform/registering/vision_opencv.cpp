@@ -36,6 +36,10 @@ Picture pictureOf(const cv::Mat& colours, const std::string& name)
     return picture;
 }
 
+/// OpenCV doubles a picture before it looks for features, and halves their places without regard to where the centres of the
+/// pixels lie: they are this much too far to the right and below, in pixels of the picture that is searched.
+constexpr double SIFT_OFFSET = 0.25;
+
 struct Features {
     std::vector<cv::KeyPoint> points;    ///< in pixels of the full picture
     cv::Mat descriptors;
@@ -55,8 +59,8 @@ Features featuresOf(const Picture& picture, const FeatureOptions& options)
     Features features;
     cv::SIFT::create(options.featureMaxNum)->detectAndCompute(grey, cv::noArray(), features.points, features.descriptors);
     for (cv::KeyPoint& point : features.points) {
-        point.pt.x = static_cast<float>((double(point.pt.x) + 0.5) * xScale - 0.5);      // pixels count from their centres
-        point.pt.y = static_cast<float>((double(point.pt.y) + 0.5) * yScale - 0.5);
+        point.pt.x = static_cast<float>((double(point.pt.x) - SIFT_OFFSET + 0.5) * xScale - 0.5);   // pixels count from centres
+        point.pt.y = static_cast<float>((double(point.pt.y) - SIFT_OFFSET + 0.5) * yScale - 0.5);
     }
     return features;
 }
@@ -87,7 +91,14 @@ class OpenCvVision : public Vision {
 public:
     Picture read(const std::string& path) override
     {
-        const cv::Mat colours = cv::imread(path, cv::IMREAD_COLOR);
+        cv::Mat colours = cv::imread(path, cv::IMREAD_COLOR | cv::IMREAD_ANYDEPTH);
+        if (colours.depth() == CV_16U) {
+            double highest = 0.0;                            // of cameras with 10 or 12 bits far below the highest number
+            cv::minMaxIdx(colours.reshape(1), nullptr, &highest);
+            colours.convertTo(colours, CV_8U, highest > 0.0 ? 255.0 / highest : 1.0);
+        } else if (colours.depth() != CV_8U) {
+            colours = cv::imread(path, cv::IMREAD_COLOR);
+        }
         if (colours.empty())
             throw std::runtime_error("not a picture in a format that is known, or damaged");
         return pictureOf(colours, path);
