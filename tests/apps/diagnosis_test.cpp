@@ -84,7 +84,7 @@ const DiagnosisCase CASES[] = {
          }
          return made;
      },
-     "chance"},
+     "chance onePlace"},
     {"onePlace",
      [] {
          MadeStep made = sound(PLAIN);

@@ -24,6 +24,9 @@ constexpr double FAR_THRESHOLDS = 2.0;
 constexpr double FAR_SHARE_MAX = 0.1;
 /// Narrow extent of the inliers beside that of all points below which they lie on one place or line.
 constexpr double SPREAD_MIN = 0.05;
+/// The same in the first picture for a projective transformation, whose error grows with the square of the distance from the
+/// inliers and not with the distance: its square is the other limit.
+constexpr double PROJECTIVE_SPREAD_MIN = 0.2236;
 /// Points that extend across their longest direction over less than this part of what they do along it lie on a line.
 constexpr double LINE_WIDTH = 0.01;
 /// Inliers of a similarity that are fewer than this share of the pairs, and narrower than this part of all points, are a strip.
@@ -146,7 +149,8 @@ void measureChance(const Case& c, Diagnosis& diagnosis)
         warn(diagnosis, "chance", "as few inliers as chance gives",
              fmt::format("{} at {}: among all samples of pairs that are all wrong, about {:.2g} would have as many; get better matches, "
                          "or try a simpler --type, a smaller threshold or more --max-samples",
-                         counted(static_cast<std::int64_t>(c.agreeing.size()), "inlier"), counted(placeNum, "place"),
+                         counted(static_cast<std::int64_t>(c.agreeing.size()), "inlier"),
+                         placeNum > 1 ? counted(placeNum, "place") : "1 place (nearer to each other than the threshold)",
                          std::pow(10.0, std::min(300.0, *diagnosis.log10ChanceResults))));
 }
 
@@ -182,7 +186,8 @@ void measureSpread(const Case& c, Diagnosis& diagnosis)
         warn(diagnosis, "strip", "inliers along a line",
              fmt::format("{} of {} pairs are inliers, all along one line: there every affine or mirrored map looks like a similarity; "
                          "try --type affine or projective", c.agreeing.size(), c.pairs.size()));
-    if (std::min(innerSpreads[0], innerSpreads[1]) < SPREAD_MIN)
+    const bool isProjective = c.setup.transformType == static_cast<int>(TransformType::Projective);
+    if (innerSpreads[0] < (isProjective ? PROJECTIVE_SPREAD_MIN : SPREAD_MIN) || innerSpreads[1] < SPREAD_MIN)
         warn(diagnosis, "onePlace", "inliers on one place or line",
              fmt::format("but for {}, the inliers extend over {:.2g} of the points' width in the first picture and {:.2g} in the "
                          "second: away from them the transformation is a guess",
