@@ -37,10 +37,12 @@ template <class ReachFunction>
 Points withoutOutermost(Points points, ReachFunction reach)
 {
     const auto [mx, my] = middleOf(points);
+    const auto reachOf = [&, mx = mx, my = my](const std::array<double, 2>& point) {
+        const double length = reach(point[0] - mx, point[1] - my);
+        return std::isnan(length) ? HUGE_VAL : length;           // coordinates so large that their differences are not finite
+    };
     const auto kept = points.end() - static_cast<std::ptrdiff_t>(outermostNumOf(points.size()));
-    std::nth_element(points.begin(), kept, points.end(), [&, mx = mx, my = my](const auto& a, const auto& b) {
-        return reach(a[0] - mx, a[1] - my) < reach(b[0] - mx, b[1] - my);
-    });
+    std::nth_element(points.begin(), kept, points.end(), [&](const auto& a, const auto& b) { return reachOf(a) < reachOf(b); });
     points.erase(kept, points.end());
     return points;
 }
