@@ -25,8 +25,8 @@ constexpr double FAR_SHARE_MAX = 0.1;
 /// Narrow extent of the inliers beside that of all points below which they lie on one place or line.
 constexpr double SPREAD_MIN = 0.05;
 /// The same in the first picture for a projective transformation, whose error grows with the square of the distance from the
-/// inliers and not with the distance: its square is the other limit.
-constexpr double PROJECTIVE_SPREAD_MIN = 0.2236;
+/// inliers and not with the distance.
+const double PROJECTIVE_SPREAD_MIN = std::sqrt(SPREAD_MIN);
 /// Points that extend across their longest direction over less than this part of what they do along it lie on a line.
 constexpr double LINE_WIDTH = 0.01;
 /// Inliers of a similarity that are fewer than this share of the pairs, and narrower than this part of all points, are a strip.
@@ -172,14 +172,16 @@ void measureSpread(const Case& c, Diagnosis& diagnosis)
 {
     bool isStrip = isSimilarity(c) && static_cast<double>(c.agreeing.size()) < STRIP_SHARE * static_cast<double>(c.pairs.size());
     std::array<double, 2> innerSpreads{};
+    bool areOnLine = false;
     for (const std::size_t setIdx : {std::size_t(0), std::size_t(1)}) {
         // A similarity is determined by points on a line; the others need points off it.
         const auto reach = isSimilarity(c) ? &Extent::whole : &Extent::narrow;
         const Points inliers = pointsOf(c.agreeing, setIdx);
-        const Extent all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))), whole = extentOf(inliers), inner = innerExtentOf(inliers);
+        const Extent all = extentOf(withoutWildOnes(pointsOf(c.pairs, setIdx))), inner = innerExtentOf(inliers);
         const auto shareOf = [&](const Extent& part) { return all.*reach > 0.0 ? std::min(1.0, part.*reach / (all.*reach)) : 0.0; };
-        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = shareOf(whole);
+        (setIdx == 0 ? diagnosis.spread1 : diagnosis.spread2) = shareOf(extentOf(inliers));
         innerSpreads[setIdx] = shareOf(inner);
+        areOnLine = areOnLine || (setIdx == 0 && isLine(inner));
         isStrip = isStrip && inner.narrow < STRIP_WIDTH * all.narrow;
     }
     if (isStrip)
@@ -192,7 +194,7 @@ void measureSpread(const Case& c, Diagnosis& diagnosis)
              fmt::format("but for {}, the inliers extend over {:.2g} of the points' width in the first picture and {:.2g} in the "
                          "second: away from them the transformation is a guess",
                          counted(static_cast<std::int64_t>(outermostNumOf(c.agreeing.size())), "pair"), innerSpreads[0], innerSpreads[1]));
-    else if (!isSimilarity(c) && isLine(innerExtentOf(pointsOf(c.agreeing, 0))))
+    else if (!isSimilarity(c) && areOnLine)
         warnOfLine(diagnosis);
 }
 
